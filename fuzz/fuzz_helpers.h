@@ -1,0 +1,49 @@
+//===- fuzz_helpers.h - Shared helpers for the fuzz targets ----*- C++ -*-===//
+//
+// An always-on assertion and a small reader that draws parameters from the
+// fuzzer's input before the rest is used as data.
+//
+//===----------------------------------------------------------------------===//
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+// FUZZ_ASSERT holds in every build type: a failed check aborts so the fuzzer sees it.
+#define FUZZ_ASSERT(cond)                                                          \
+  do {                                                                             \
+    if (!(cond)) {                                                                 \
+      std::fprintf(stderr, "%s:%d: FUZZ_ASSERT(%s) failed\n", __FILE__, __LINE__, #cond); \
+      std::abort();                                                                \
+    }                                                                              \
+  } while (0)
+
+namespace tavi::fuzz {
+
+// Consumes leading bytes of the input as parameters; what is left is the payload.
+class InputReader {
+ public:
+  InputReader(const uint8_t* data, size_t size) : data_(data), size_(size) {}
+
+  // Takes an integer of up to sizeof(T) bytes (little-endian); 0 when exhausted.
+  template <typename T>
+  T Take() {
+    T value = 0;
+    for (size_t i = 0; i < sizeof(T) && size_ > 0; ++i, ++data_, --size_) {
+      value = static_cast<T>(value | (static_cast<T>(*data_) << (8 * i)));
+    }
+    return value;
+  }
+
+  const uint8_t* data() const { return data_; }
+  size_t size() const { return size_; }
+
+ private:
+  const uint8_t* data_;
+  size_t size_;
+};
+
+}  // namespace tavi::fuzz
