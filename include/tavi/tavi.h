@@ -6,4 +6,7 @@
 #pragma once
 
 #include "tavi/export.h"
+#include "tavi/crypt/aes256.h"
+#include "tavi/crypt/crc32.h"
+#include "tavi/crypt/sha256.h"
 #include "tavi/version.h"
