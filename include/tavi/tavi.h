@@ -7,3 +7,13 @@
 
 #include "tavi/export.h"
 #include "tavi/version.h"
+
+#include "tavi/core/buffer.h"
+#include "tavi/core/error.h"
+#include "tavi/core/local_buffer.h"
+#include "tavi/core/local_memory.h"
+#include "tavi/core/string.h"
+#include "tavi/core/types.h"
+#include "tavi/core/user_interface.h"
+#include "tavi/io/stream.h"
+#include "tavi/resource/string_resource.h"
