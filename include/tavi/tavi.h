@@ -6,7 +6,17 @@
 #pragma once
 
 #include "tavi/export.h"
+#include "tavi/version.h"
+
+#include "tavi/core/buffer.h"
+#include "tavi/core/error.h"
+#include "tavi/core/local_buffer.h"
+#include "tavi/core/local_memory.h"
+#include "tavi/core/string.h"
+#include "tavi/core/types.h"
+#include "tavi/core/user_interface.h"
 #include "tavi/crypt/aes256.h"
 #include "tavi/crypt/crc32.h"
 #include "tavi/crypt/sha256.h"
-#include "tavi/version.h"
+#include "tavi/io/stream.h"
+#include "tavi/resource/string_resource.h"
