@@ -13,6 +13,8 @@
 
 namespace tavi {
 
+class XIO;
+
 // XAES256KeyExpansion (raw key) writes the FIPS-197 AES-256 schedule of the 32
 // bytes at key32 into the 240 bytes at schedule (15 round keys of 16 bytes).
 // Pass the key as a pointer to unsigned bytes or void: a char pointer picks
@@ -43,5 +45,25 @@ TAVI_API void XAES256DecryptBlock(void* block, const void* schedule);
 // nothing and returns true only for 0 (false for 1..15 and for negative
 // sizes). Large inputs are processed on several threads.
 TAVI_API bool XAES256(void* data, int32_t size, const char16_t* password, bool encrypt);
+
+// XAES256Encrypt enciphers size bytes at data under the wide password and
+// writes them to out. Whole blocks come out as 16 enciphered bytes each. A
+// tail of t = size % 16 bytes is copied over the start of the last enciphered
+// block (zeros when size < 16), that block is enciphered again and only its
+// first t bytes are written: the tail is stored truncated and cannot be
+// deciphered, so a round trip is exact only for multiples of 16.
+// size 0 writes nothing and returns true; a negative size sets 0x20000014 in
+// out and returns false. Returns false as soon as a write to out fails (out
+// holds the cause). Output is handed to out in batches of whole blocks.
+TAVI_API bool XAES256Encrypt(XIO& out, const char16_t* password, const void* data, int32_t size);
+
+// XAES256Decrypt reads ceil(size / 16) enciphered blocks from in, deciphers
+// them under the wide password and writes size bytes to out (of the last
+// block only its first size % 16 bytes when that is not 0). When in delivers
+// less than a whole block, the blocks before it are written, in's error is
+// set to 0x20000004 unless in already holds one, out imports in's error and
+// the result is false. A failed write returns false with the cause in out.
+// size 0 returns true; a negative size sets 0x20000014 in out, false.
+TAVI_API bool XAES256Decrypt(XIO& out, const char16_t* password, XIO& in, int32_t size);
 
 }  // namespace tavi
