@@ -27,16 +27,41 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const uint32_t units = text.GetBufferPos() / 2;
   uint32_t count = 0;
   switch (op % 10) {
-    case 0: count = text.RemoveMultiChars(a); break;
-    case 1: count = text.RemoveChar(a); FUZZ_ASSERT(text.GetBufferPos() / 2 + count == units); break;
-    case 2: count = text.ReplaceChar(a, b); FUZZ_ASSERT(text.GetBufferPos() / 2 == units); break;
-    case 3: count = text.ReplaceString(from, from_len * 2, from + 1, 2); break;
-    case 4: count = text.ReplaceStringIC(from, from_len * 2, nullptr, 0); break;
-    case 5: count = text.ReplaceUnquotedString(from, from_len * 2, from, 4, a, b); break;
-    case 6: count = text.ReplaceUnquotedChars(from, b, a, a); break;
-    case 7: text.CutTo(a); text.CutRTo(b); break;
-    case 8: text.CutLast(a); text.RemoveEndChars(b); break;
-    default: text.ReplaceSoftReturns(); text.Cut(static_cast<uint32_t>(a)); break;
+    case 0:
+      count = text.RemoveMultiChars(a);
+      break;
+    case 1:
+      count = text.RemoveChar(a);
+      FUZZ_ASSERT(text.GetBufferPos() / 2 + count == units);
+      break;
+    case 2:
+      count = text.ReplaceChar(a, b);
+      FUZZ_ASSERT(text.GetBufferPos() / 2 == units);
+      break;
+    case 3:
+      count = text.ReplaceString(from, from_len * 2, from + 1, 2);
+      break;
+    case 4:
+      count = text.ReplaceStringIC(from, from_len * 2, nullptr, 0);
+      break;
+    case 5:
+      count = text.ReplaceUnquotedString(from, from_len * 2, from, 4, a, b);
+      break;
+    case 6:
+      count = text.ReplaceUnquotedChars(from, b, a, a);
+      break;
+    case 7:
+      text.CutTo(a);
+      text.CutRTo(b);
+      break;
+    case 8:
+      text.CutLast(a);
+      text.RemoveEndChars(b);
+      break;
+    default:
+      text.ReplaceSoftReturns();
+      text.Cut(static_cast<uint32_t>(a));
+      break;
   }
   (void)count;
   FUZZ_ASSERT(text.GetCurrentPos() <= text.GetBufferPos());

@@ -83,11 +83,14 @@ class BuiltinStringResource final : public TStringResource {
   }
 };
 
+// Constant-initialised, so the library's messages work from the first moment,
+// static initialisers of other code included.
+constinit BuiltinStringResource g_builtin_table;
+
 }  // namespace
 
-TStringResource* XBuiltinStringResource() {
-  static BuiltinStringResource table;
-  return &table;
-}
+constinit TStringResource* XLibStringResource = &g_builtin_table;
+
+TStringResource* XBuiltinStringResource() { return &g_builtin_table; }
 
 }  // namespace tavi

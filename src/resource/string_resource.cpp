@@ -18,8 +18,6 @@ const char16_t* TStringResource::Get(int32_t id) {
   return text != nullptr ? text : kMissingStringText;
 }
 
-TStringResource* XLibStringResource = XBuiltinStringResource();
-
 bool XSetLibStringResource(TStringResource* resource) {
   if (resource == nullptr) return false;
   XLibStringResource = resource;

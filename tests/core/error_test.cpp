@@ -13,7 +13,9 @@
 namespace tavi {
 namespace {
 
-std::u16string Str(const XString16& s) { return s.c_str() ? s.c_str() : u""; }
+std::u16string Str(const XString16& s) {
+  return s.c_str() ? s.c_str() : u"";
+}
 
 std::u16string Message(XError& e) {
   XString16 text;
@@ -22,7 +24,9 @@ std::u16string Message(XError& e) {
   return Str(text);
 }
 
-std::u16string Lib(uint32_t id) { return XLibStringResource->Get(static_cast<int32_t>(id)); }
+std::u16string Lib(uint32_t id) {
+  return XLibStringResource->Get(static_cast<int32_t>(id));
+}
 
 TEST(Error, SafeSettersKeepTheFirstCause) {
   XError e;
@@ -131,7 +135,8 @@ TEST(Error, FormatErrorMessageWritesOrPassesTheFailureOn) {
   e.SetErrorCode(kErrOutOfRange);
   XBuffer out;
   ASSERT_TRUE(e.FormatErrorMessage(out));
-  std::u16string written(reinterpret_cast<const char16_t*>(out.GetBuffer()), out.GetBufferPos() / 2);
+  std::u16string written(reinterpret_cast<const char16_t*>(out.GetBuffer()),
+                         out.GetBufferPos() / 2);
   EXPECT_EQ(written, Lib(kErrOutOfRange));
   EXPECT_TRUE(e.IsOk());
 

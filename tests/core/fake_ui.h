@@ -26,10 +26,10 @@ struct MessageBoxCall {
 struct FakeUiState {
   std::vector<MessageBoxCall> boxes;
   int32_t answer = kIdOk;
-  std::map<uintptr_t, std::u16string> windows;      // window text
-  std::map<uintptr_t, XLocalMemory> edit_handles;   // edit control memory
-  std::map<uint32_t, std::string> clipboard;        // format -> bytes
-  std::map<std::u16string, uint32_t> formats;       // registered names
+  std::map<uintptr_t, std::u16string> windows;     // window text
+  std::map<uintptr_t, XLocalMemory> edit_handles;  // edit control memory
+  std::map<uint32_t, std::string> clipboard;       // format -> bytes
+  std::map<std::u16string, uint32_t> formats;      // registered names
   std::vector<uintptr_t> invalidated;
 };
 
@@ -38,10 +38,16 @@ inline FakeUiState& Fake() {
   return state;
 }
 
-inline XWindow Window(uintptr_t id) { return reinterpret_cast<XWindow>(id); }
-inline uintptr_t Id(XWindow w) { return reinterpret_cast<uintptr_t>(w); }
+inline XWindow Window(uintptr_t id) {
+  return reinterpret_cast<XWindow>(id);
+}
+inline uintptr_t Id(XWindow w) {
+  return reinterpret_cast<uintptr_t>(w);
+}
 
-inline std::u16string Text(const char16_t* s) { return s ? std::u16string(s) : std::u16string(); }
+inline std::u16string Text(const char16_t* s) {
+  return s ? std::u16string(s) : std::u16string();
+}
 
 inline const XUserInterface& FakeTable() {
   static const XUserInterface table = {
@@ -55,7 +61,8 @@ inline const XUserInterface& FakeTable() {
       },
       [](XWindow w, char16_t* text, uint32_t capacity) -> uint32_t {
         const std::u16string& s = Fake().windows[Id(w)];
-        uint32_t n = capacity == 0 ? 0 : static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
+        uint32_t n =
+            capacity == 0 ? 0 : static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
         s.copy(text, n);
         if (capacity) text[n] = 0;
         return n;

@@ -154,7 +154,10 @@ TEST(StreamStrings, TruncatedAndHostileLengths) {
 
   // A length far beyond the data is refused without allocating it.
   XBuffer hostile;
-  hostile._Write("\x00\xFF\xFF\xFF" "abcdef", 10);
+  hostile._Write(
+      "\x00\xFF\xFF\xFF"
+      "abcdef",
+      10);
   XString8 t;
   EXPECT_FALSE(hostile.Read(t));
   EXPECT_EQ(hostile.GetErrorCode(), kErrEndOfData);

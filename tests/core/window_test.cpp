@@ -36,7 +36,10 @@ TEST(WindowText, GetAndSet) {
   XString8 narrow;
   Fake().windows[5] = u"gr\u00fc\u00dfe \u4e16";
   ASSERT_TRUE(narrow.WndGetText(Window(5)));
-  EXPECT_STREQ(narrow.c_str(), "gr\xfc\xdf" "e ?") << "no byte for the last character";
+  EXPECT_STREQ(narrow.c_str(),
+               "gr\xfc\xdf"
+               "e ?")
+      << "no byte for the last character";
   EXPECT_EQ(narrow.WndGetTextLength(Window(5)), 7u);
   ASSERT_TRUE(narrow.WndSetText(Window(5)));
   EXPECT_EQ(Fake().windows[5], u"gr\u00fc\u00dfe ?");

@@ -24,7 +24,9 @@ constexpr Command kCommands[] = {
 
 }  // namespace
 
-std::span<const Command> Commands() { return kCommands; }
+std::span<const Command> Commands() {
+  return kCommands;
+}
 
 int RunVersion(std::span<char* const>) {
   std::printf("tavi %s\n", XGetVersionString());

@@ -289,6 +289,17 @@ class TAVI_API XBuffer : public XIO {
 
   // The shared growth test of the stream writes: room for bytes more data.
   bool GrowForWrite(uint32_t bytes);
+  // Bytes of the block that may be read or written past the data end: an owned block
+  // has 4 spare bytes after its allocation, an attached one the single byte that the
+  // size-minus-one rule leaves.
+  uint32_t _ReadableBytes() const {
+    if (buffer_ == nullptr) return 0;
+    return allocated_ + (attached_ ? 1u : 4u);
+  }
+  // Puts the first bytes of the block on the clipboard in format.
+  bool PutOnClipboard(XWindow owner, uint32_t format, uint32_t bytes, bool empty_first);
+  // The control of a dialog item; null with the platform error set when none.
+  XWindow DialogItem(XWindow dialog, int32_t item);
   // Lowers the read cursor to the data end when it lies beyond.
   void ClampCurrentPos() {
     if (current_pos_ > buffer_pos_) current_pos_ = buffer_pos_;
