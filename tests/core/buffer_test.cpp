@@ -303,3 +303,24 @@ TEST(BufferStream, FreeAndDiscard) {
 
 }  // namespace
 }  // namespace tavi
+
+namespace tavi {
+namespace {
+
+TEST(BufferStream, ReadToMovesExactlyTheCount) {
+  XBuffer source;
+  ASSERT_TRUE(source._Write("0123456789", 10));
+  XBuffer target;
+  ASSERT_TRUE(source.ReadTo(target, 4));
+  EXPECT_EQ(source.GetCurrentPos(), 4u);
+  ASSERT_TRUE(source.ReadTo(source, 6)) << "a buffer may copy to itself";
+  EXPECT_EQ(std::memcmp(source.GetBuffer(), "0123456789456789", 16), 0);
+  EXPECT_FALSE(source.ReadTo(target, 7));
+  EXPECT_EQ(source.GetErrorCode(), kErrEndOfData);
+  EXPECT_EQ(target.GetErrorCode(), kErrEndOfData);
+  EXPECT_EQ(target.GetBufferPos(), 4u) << "nothing is written on a short read";
+  EXPECT_TRUE(source.EoB());
+}
+
+}  // namespace
+}  // namespace tavi

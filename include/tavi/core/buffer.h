@@ -51,6 +51,9 @@ class TAVI_API XBuffer : public XIO {
   uint32_t _Read(void* data, uint32_t bytes) override;
   bool _UnreadChar(char16_t c) override;
   bool _ShiftForward(uint32_t bytes) override;
+  // ReadTo hands the bytes at the read cursor to target in one write, with no
+  // intermediate block; results and errors are those of XIO::ReadTo.
+  bool ReadTo(XIO& target, uint32_t bytes) override;
 
   // FreeBuffer frees the block unless attached; then block, attached flag, allocated
   // size and both positions become 0.
