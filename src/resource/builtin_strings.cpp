@@ -9,6 +9,7 @@
 
 #include "core/internal/text_util.h"
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 #include "tavi/resource/string_resource.h"
 
 namespace tavi {
@@ -80,6 +81,11 @@ class BuiltinStringResource final : public TStringResource {
     if (text == nullptr) return false;
     buffer.ResetBufferPos();
     return buffer.Add(text);
+  }
+
+  bool _Attach(TTitleTextBase& title, int32_t id) override {
+    const char16_t* text = _Get(id);
+    return text != nullptr && title.Set(text, 2 * internal::TextLength(text), true);
   }
 };
 

@@ -2,6 +2,7 @@
 #include "tavi/resource/string_resource.h"
 
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 
 namespace tavi {
 
@@ -11,6 +12,11 @@ bool TStringResource::SetBuffer(XBuffer& buffer, int32_t id) {
   if (_SetBuffer(buffer, id)) return true;
   buffer.ResetBufferPos();
   return buffer.Add(kMissingStringText);
+}
+
+bool TStringResource::Attach(TTitleTextBase& title, int32_t id) {
+  if (_Attach(title, id)) return true;
+  return title.Set(kMissingStringText, sizeof kMissingStringText - 2, true);
 }
 
 const char16_t* TStringResource::Get(int32_t id) {

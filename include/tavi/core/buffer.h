@@ -17,6 +17,7 @@
 namespace tavi {
 
 class TStringResource;
+class TTitleTextBase;
 
 // XBuffer owns a block of memory unless it is attached to one that belongs to
 // somebody else. All sizes and positions are byte counts.
@@ -181,6 +182,7 @@ class TAVI_API XBuffer : public XIO {
   bool Add(const char16_t* text, uint32_t bytes);
   bool Add(const char16_t* begin, const char16_t* end);
   bool Add(const XBuffer& text);
+  bool Add(const TTitleTextBase& title);
   // Add(texts) appends every text of a null-terminated list of texts.
   bool Add(const char16_t* const* texts);
   // Add(id, resource) appends string id of resource (the library's table when null).
@@ -198,6 +200,7 @@ class TAVI_API XBuffer : public XIO {
   bool Set(const char16_t* text, uint32_t bytes);
   bool Set(const char16_t* begin, const char16_t* end);
   bool Set(const XBuffer& text);
+  bool Set(const TTitleTextBase& title);
   bool Set(const char16_t* const* texts);
   bool Set(int32_t id, TStringResource* resource);
   bool Set(uint32_t id, XModule module);
