@@ -149,6 +149,7 @@ TEST(Error, FormatErrorMessageWritesOrPassesTheFailureOn) {
       return false;
     }
     bool _SetBuffer(XBuffer&, int32_t) override { return false; }
+    bool _Attach(TTitleTextBase&, int32_t) override { return false; }
   } broken;
   TStringResource* saved = XLibStringResource;
   ASSERT_TRUE(XSetLibStringResource(&broken));
