@@ -13,6 +13,7 @@
 #include "tavi/core/local_buffer.h"
 #include "tavi/core/local_memory.h"
 #include "tavi/core/string.h"
+#include "tavi/core/title_text.h"
 #include "tavi/core/types.h"
 #include "tavi/core/user_interface.h"
 #include "tavi/crypt/aes256.h"

@@ -12,6 +12,7 @@
 #include "platform/locale.h"
 #include "platform/module.h"
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 #include "tavi/resource/string_resource.h"
 
 namespace tavi {
@@ -98,6 +99,17 @@ bool XBuffer::Add(const XBuffer& text) {
   return Add(reinterpret_cast<const char16_t*>(text.GetBuffer()), text.GetBufferPos());
 }
 
+bool XBuffer::Add(const TTitleTextBase& title) {
+  // A title that points into this block (attached to it, or assumed from it) is
+  // copied first: growing may move the block.
+  const auto* data = reinterpret_cast<const uint8_t*>(title.text);
+  if (data != nullptr && buffer_ != nullptr && data >= buffer_ && data < buffer_ + allocated_ + 4) {
+    const std::string copy(reinterpret_cast<const char*>(data), title.size);
+    return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);
+  }
+  return Add(title.text, title.size);
+}
+
 bool XBuffer::Add(const char16_t* const* texts) {
   bool ok = true;
   for (; texts != nullptr && *texts != nullptr && ok; ++texts) ok = Add(*texts);
@@ -150,6 +162,17 @@ bool XBuffer::Set(const XBuffer& text) {
     return EndAsString();
   }
   return Add(reinterpret_cast<const char16_t*>(data), bytes);
+}
+
+bool XBuffer::Set(const TTitleTextBase& title) {
+  const auto* data = reinterpret_cast<const uint8_t*>(title.text);
+  if (data != nullptr && buffer_ != nullptr && data >= buffer_ && data < buffer_ + allocated_ + 4) {
+    const std::string copy(reinterpret_cast<const char*>(data), title.size);
+    ResetBufferPos();
+    return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);
+  }
+  ResetBufferPos();
+  return Add(title.text, title.size);
 }
 
 bool XBuffer::Set(const char16_t* const* texts) {
