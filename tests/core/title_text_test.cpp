@@ -307,8 +307,7 @@ TEST(TitleText, StreamReadRefusesShortAndHostileLengths) {
   EXPECT_FALSE(short_text.Read(t));
   EXPECT_EQ(short_text.GetErrorCode(), kErrEndOfData);
 
-  // A length near 4 GiB with a few bytes behind it fails at the end of the data
-  // without asking for the whole length (asan would report a huge allocation).
+  // A length near 4 GiB with a few bytes behind it fails at the end of the data.
   FixedSource hostile(std::string("\xF0\xFF\xFF\xFF", 4) + std::string(100, 'x'));
   EXPECT_FALSE(hostile.Read(t));
   EXPECT_EQ(hostile.GetErrorCode(), kErrEndOfData);
