@@ -9,8 +9,6 @@
 //===----------------------------------------------------------------------===//
 #include "tavi/io/bit_stream.h"
 
-#include <bit>
-
 #include "core/internal/endian.h"
 
 namespace tavi {
@@ -27,10 +25,6 @@ uint64_t LowBits(uint64_t v, uint32_t count) {
 }  // namespace
 
 XBitStream::~XBitStream() = default;
-
-uint32_t XBitStream::UsedCount() const {
-  return static_cast<uint32_t>(std::popcount(used_));
-}
 
 void XBitStream::SetPending(uint32_t k, uint8_t byte) {
   if (k == 0) {
@@ -73,7 +67,7 @@ bool XBitStream::GetBit(bool& bit) {
   return true;
 }
 
-bool XBitStream::SetBits(uint64_t value, uint32_t count) {
+bool XBitStream::SetBitsSlow(uint64_t value, uint32_t count) {
   if (count > 64) {
     if (!SetBits(value, 64)) return false;
     for (count -= 64; count > 64; count -= 64) {
@@ -101,7 +95,7 @@ bool XBitStream::SetBits(uint64_t value, uint32_t count) {
   return XRoutedIO::_Write(out, 1 + whole);
 }
 
-bool XBitStream::GetBits(uint64_t& value, uint32_t count) {
+bool XBitStream::GetBitsSlow(uint64_t& value, uint32_t count) {
   value = 0;
   if (count > 64) {
     if (!GetBits(value, 64)) return false;

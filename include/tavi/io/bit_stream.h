@@ -7,6 +7,7 @@
 //===----------------------------------------------------------------------===//
 #pragma once
 
+#include <bit>
 #include <concepts>
 #include <cstdint>
 
@@ -30,9 +31,9 @@ namespace tavi {
 // its bits at the used positions start the next one, so writing and reading bytes at
 // the same offset are exact inverses.
 //
-// Cost: a field of up to 64 bits and a run of bytes each take one call of the next
-// stream (two for a field that straddles the pending byte on reading: none when the
-// pending byte holds all its bits); bits move through a 64-bit word, not one by one.
+// Cost: a field of up to 64 bits takes at most one call of the next stream, none
+// while it fits the pending byte; an unaligned run of bytes one call per 1024 bytes.
+// Bits move through a 64-bit word, not one by one (the small-field paths are inline).
 // Readers fail (false) when the next stream runs out, with the next stream's error
 // imported; what was consumed before the failure is gone and the value is undefined.
 class TAVI_API XBitStream : public XRoutedIO {
@@ -60,7 +61,15 @@ class TAVI_API XBitStream : public XRoutedIO {
   bool GetBit(bool& bit);
   // SetBits appends the low count bits of value, least significant first. Bits beyond
   // the 64 of value are 0.
-  bool SetBits(uint64_t value, uint32_t count);
+  bool SetBits(uint64_t value, uint32_t count) {
+    // Fast path: the field fits the pending byte without completing it.
+    const uint32_t k = static_cast<uint32_t>(std::countr_zero(mask_));
+    if (count >= 8 - k) return SetBitsSlow(value, count);
+    current_ = static_cast<uint8_t>(current_ | ((value & ((1u << count) - 1)) << k));
+    mask_ = static_cast<uint8_t>(mask_ << count);
+    used_ = static_cast<uint8_t>(mask_ - 1);
+    return true;
+  }
   // Any other integer (a literal 0 included, which would otherwise also match the
   // word-array form) is taken as its uint64_t conversion.
   template <std::integral T>
@@ -69,7 +78,15 @@ class TAVI_API XBitStream : public XRoutedIO {
   }
   // GetBits reads count bits into value, the first bit read as bit 0. value is 0 for
   // count 0 (true without reading); bits beyond 64 are read and dropped.
-  bool GetBits(uint64_t& value, uint32_t count);
+  bool GetBits(uint64_t& value, uint32_t count) {
+    // Fast path: the pending byte holds more bits than the field takes.
+    const uint32_t k = static_cast<uint32_t>(std::countr_zero(mask_));
+    if (used_ == 0 || count >= 8 - k) return GetBitsSlow(value, count);
+    value = (current_ >> k) & ((1u << count) - 1);
+    mask_ = static_cast<uint8_t>(mask_ << count);
+    used_ = static_cast<uint8_t>(mask_ - 1);
+    return true;
+  }
   // The word-array forms move a bit string longer than 64 bits: word 0 first, each
   // word least significant bit first, the last word partly when count is not a
   // multiple of 64.
@@ -87,8 +104,10 @@ class TAVI_API XBitStream : public XRoutedIO {
   bool IsByteAligned() const { return used_ == 0; }
 
  private:
+  bool SetBitsSlow(uint64_t value, uint32_t count);
+  bool GetBitsSlow(uint64_t& value, uint32_t count);
   // Number of used bit positions of the pending byte (0 to 7).
-  uint32_t UsedCount() const;
+  uint32_t UsedCount() const { return static_cast<uint32_t>(std::countr_zero(mask_)); }
   // Sets the state to k used positions holding byte (k 0 resets to aligned).
   void SetPending(uint32_t k, uint8_t byte);
 

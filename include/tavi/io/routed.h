@@ -92,7 +92,8 @@ class TAVI_API XCounterIO : public XRoutedIO {
 // XDoubleOutIO writes everything to its first target (the next stream) and then to a
 // second one; neither is owned. A write is true only when both took the data; when the
 // second fails, the first has already taken it. _Flush flushes the first, then the
-// second. Reading goes to the first target only.
+// second. Reading goes to the first target only. Without a second target, writes and
+// flushes fail with internal error 1030 before the first target is touched.
 class TAVI_API XDoubleOutIO : public XRoutedIO {
  public:
   XDoubleOutIO() = default;
