@@ -6,4 +6,7 @@
 #pragma once
 
 #include "tavi/export.h"
+#include "tavi/time/calendar.h"
+#include "tavi/time/date_time.h"
+#include "tavi/time/system_time.h"
 #include "tavi/version.h"
