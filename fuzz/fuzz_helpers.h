@@ -13,12 +13,12 @@
 #include <cstring>
 
 // FUZZ_ASSERT holds in every build type: a failed check aborts so the fuzzer sees it.
-#define FUZZ_ASSERT(cond)                                                          \
-  do {                                                                             \
-    if (!(cond)) {                                                                 \
+#define FUZZ_ASSERT(cond)                                                                 \
+  do {                                                                                    \
+    if (!(cond)) {                                                                        \
       std::fprintf(stderr, "%s:%d: FUZZ_ASSERT(%s) failed\n", __FILE__, __LINE__, #cond); \
-      std::abort();                                                                \
-    }                                                                              \
+      std::abort();                                                                       \
+    }                                                                                     \
   } while (0)
 
 namespace tavi::fuzz {

@@ -10,3 +10,13 @@
 #include "tavi/time/date_time.h"
 #include "tavi/time/system_time.h"
 #include "tavi/version.h"
+
+#include "tavi/core/buffer.h"
+#include "tavi/core/error.h"
+#include "tavi/core/local_buffer.h"
+#include "tavi/core/local_memory.h"
+#include "tavi/core/string.h"
+#include "tavi/core/types.h"
+#include "tavi/core/user_interface.h"
+#include "tavi/io/stream.h"
+#include "tavi/resource/string_resource.h"

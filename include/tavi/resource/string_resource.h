@@ -1,0 +1,53 @@
+//===- string_resource.h - Texts fetched by numeric ID ---------*- C++ -*-===//
+//
+// This file defines TStringResource, the interface through which applications and
+// the library fetch user-visible texts by number, and XLibStringResource, the table
+// the library takes its own messages from.
+//
+//===----------------------------------------------------------------------===//
+#pragma once
+
+#include <cstdint>
+
+#include "tavi/export.h"
+
+namespace tavi {
+
+class XIO;
+class XBuffer;
+
+// TStringResource maps string IDs to UTF-16 texts. The underscore forms report a
+// missing ID (null or false); the others fall back to a visible placeholder.
+class TAVI_API TStringResource {
+ public:
+  constexpr TStringResource() = default;
+  TStringResource(const TStringResource&) {}
+  TStringResource& operator=(const TStringResource&) { return *this; }
+
+  // _Get returns the terminated text of id, or null when there is none.
+  virtual const char16_t* _Get(int32_t id) = 0;
+  // _Write writes the text of id (without terminator) to out; false when missing.
+  virtual bool _Write(XIO& out, int32_t id) = 0;
+  // _SetBuffer makes the text of id the whole content of buffer; false when missing.
+  virtual bool _SetBuffer(XBuffer& buffer, int32_t id) = 0;
+  // SetBuffer is _SetBuffer, with "???" as the content when id is missing.
+  virtual bool SetBuffer(XBuffer& buffer, int32_t id);
+
+  virtual ~TStringResource();
+
+  // Get returns the text of id, or "???" when there is none.
+  const char16_t* Get(int32_t id);
+};
+
+// The placeholder text of a missing string.
+inline constexpr char16_t kMissingStringText[] = u"???";
+
+// XLibStringResource is the table the library takes its own messages from. It starts
+// as the built-in English table; set it once at start-up, before other threads use it.
+TAVI_API extern TStringResource* XLibStringResource;
+// XSetLibStringResource replaces the library's table; false, changing nothing, for null.
+TAVI_API bool XSetLibStringResource(TStringResource* resource);
+// XBuiltinStringResource returns the built-in English table of the library's texts.
+TAVI_API TStringResource* XBuiltinStringResource();
+
+}  // namespace tavi
