@@ -6,9 +6,6 @@
 #pragma once
 
 #include "tavi/export.h"
-#include "tavi/time/calendar.h"
-#include "tavi/time/date_time.h"
-#include "tavi/time/system_time.h"
 #include "tavi/version.h"
 
 #include "tavi/core/buffer.h"
@@ -20,3 +17,9 @@
 #include "tavi/core/user_interface.h"
 #include "tavi/io/stream.h"
 #include "tavi/resource/string_resource.h"
+#include "tavi/thread/count_safe.h"
+#include "tavi/thread/parallel.h"
+#include "tavi/thread/progress.h"
+#include "tavi/time/calendar.h"
+#include "tavi/time/date_time.h"
+#include "tavi/time/system_time.h"
