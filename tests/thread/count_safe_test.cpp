@@ -66,82 +66,39 @@ TEST(CountSafe, Factorials) {
   EXPECT_TRUE(c.AddFactorial(20));
 }
 
-TEST(SafeArithmetic, SumAndDifferenceSaturate) {
+TEST(SafeArithmetic, SumSaturates) {
   int64_t r = 0;
   EXPECT_EQ(SafeSum(r, kMax, 1), kSafeOverMax);
   EXPECT_EQ(r, kMax);
   EXPECT_EQ(SafeSum(r, kMin, -1), kSafeUnderMin);
   EXPECT_EQ(r, kMin);
-  EXPECT_EQ(SafeSum(r, 5, kMin), kSafeExact);
-  EXPECT_EQ(r, kMin + 5);
-  EXPECT_EQ(SafeSum(r, -1, kMin), kSafeUnderMin);
-  EXPECT_EQ(SafeSum(r, kMin + 1, -1), kSafeExact);
-  EXPECT_EQ(r, kMin);
-  EXPECT_EQ(SafeSum(r, kMax - 1, 1), kSafeExact);
-  EXPECT_EQ(r, kMax);
-
-  EXPECT_EQ(SafeDif(r, kMin, 1), kSafeUnderMin);
-  EXPECT_EQ(r, kMin);
-  EXPECT_EQ(SafeDif(r, 0, kMin), kSafeOverMax);
-  EXPECT_EQ(r, kMax);
-  EXPECT_EQ(SafeDif(r, -1, kMin), kSafeExact);
-  EXPECT_EQ(r, kMax);
-  EXPECT_EQ(SafeDif(r, kMax, -1), kSafeOverMax);
-  EXPECT_EQ(SafeDif(r, kMin + 3, 3), kSafeExact);
-  EXPECT_EQ(r, kMin);
-  EXPECT_EQ(SafeDif(r, 10, 25), kSafeExact);
-  EXPECT_EQ(r, -15);
 }
 
-TEST(SafeArithmetic, DivisionCodes) {
-  int64_t r = 0;
-  EXPECT_EQ(SafeDiv(r, 12, 4), kSafeExact);
-  EXPECT_EQ(r, 3);
-  EXPECT_EQ(SafeDiv(r, -13, 4), kSafeInexact);
-  EXPECT_EQ(r, -3);
+// The cases the wide reference below cannot judge: division by zero.
+TEST(SafeArithmetic, DivisionByZeroSaturatesTowardsTheSign) {
+  int64_t r = 1;
   EXPECT_EQ(SafeDiv(r, 7, 0), kSafeOverMax);
   EXPECT_EQ(r, kMax);
   EXPECT_EQ(SafeDiv(r, -7, 0), kSafeUnderMin);
   EXPECT_EQ(r, kMin);
   EXPECT_EQ(SafeDiv(r, 0, 0), kSafeInexact);
   EXPECT_EQ(r, 0);
-  EXPECT_EQ(SafeDiv(r, kMin, -1), kSafeOverMax);
-  EXPECT_EQ(r, kMax);
-  EXPECT_EQ(SafeDiv(r, kMin, 1), kSafeExact);
-  EXPECT_EQ(r, kMin);
-
-  // Changes of unit keep the product in range.
-  EXPECT_EQ(SafeConversion(r, kMax, 1000, 1024), kSafeInexact);
-  EXPECT_EQ(r, static_cast<int64_t>(static_cast<Wide>(kMax) * 1000 / 1024));
-  EXPECT_EQ(SafeConversion(r, 3000000000, 1000000000, 1000), kSafeExact);
-  EXPECT_EQ(r, 3000000000000000);
-  EXPECT_EQ(SafeConversion(r, kMax, 2, 1), kSafeOverMax);
-  EXPECT_EQ(SafeConversion(r, kMax, -2, 1), kSafeUnderMin);
-  EXPECT_EQ(SafeLinear(r, kMax, 2, kMin), kSafeExact);
-  EXPECT_EQ(r, kMax - 1);
-  EXPECT_EQ(SafeLinear(r, kMax, 2, 0), kSafeOverMax);
-  EXPECT_EQ(SafeLinear(r, kMax, -1, -1), kSafeExact);
-  EXPECT_EQ(r, kMin);
-  // 2^40 * 2^23 = 2^63 does not fit, but the sum comes back into range.
-  EXPECT_EQ(SafeLinear(r, 1LL << 40, 1LL << 23, kMin), kSafeExact);
+  EXPECT_EQ(SafeConversion(r, -3, 5, 0), kSafeUnderMin);
+  EXPECT_EQ(SafeConversion(r, kMax, 0, 0), kSafeInexact);
   EXPECT_EQ(r, 0);
 }
 
-// Every operation against a 128-bit reference on random and extreme operands.
+// Every operation against a 128-bit reference: every triple of extreme
+// operands, then random ones.
 TEST(SafeArithmetic, AgreesWithAWideReference) {
   std::mt19937_64 rng(99);
   const int64_t edges[] = {0,        1,         -1,           2,          -2,
                            1000,     -1000,     kMax,         kMin,       kMax - 1,
                            kMin + 1, 1LL << 32, -(1LL << 32), 3037000499, -3037000500};
+  constexpr int kEdges = sizeof(edges) / sizeof(edges[0]);
+  constexpr int kTriples = kEdges * kEdges * kEdges;
   auto draw = [&]() -> int64_t {
-    switch (rng() % 4) {
-      case 0:
-        return edges[rng() % (sizeof(edges) / sizeof(edges[0]))];
-      case 1:
-        return static_cast<int64_t>(rng()) >> (rng() % 63);
-      default:
-        return static_cast<int64_t>(rng());
-    }
+    return rng() % 2 ? static_cast<int64_t>(rng()) : static_cast<int64_t>(rng()) >> (rng() % 63);
   };
   auto expect = [](int64_t got, int32_t code, Wide exact, bool hasRemainder) {
     if (exact > kMax) {
@@ -155,8 +112,11 @@ TEST(SafeArithmetic, AgreesWithAWideReference) {
       EXPECT_EQ(got, static_cast<int64_t>(exact));
     }
   };
-  for (int i = 0; i < 20000; ++i) {
-    const int64_t a = draw(), b = draw(), c = draw();
+  for (int i = 0; i < kTriples + 20000; ++i) {
+    const bool edge = i < kTriples;
+    const int64_t a = edge ? edges[i % kEdges] : draw();
+    const int64_t b = edge ? edges[i / kEdges % kEdges] : draw();
+    const int64_t c = edge ? edges[i / kEdges / kEdges] : draw();
     SCOPED_TRACE(testing::Message() << a << " " << b << " " << c);
     int64_t r;
     int32_t code = SafeSum(r, a, b);
