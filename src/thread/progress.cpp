@@ -2,6 +2,7 @@
 #include "tavi/thread/progress.h"
 
 #include <atomic>
+#include <iterator>
 #include <mutex>
 
 #include "core/internal/ui.h"
@@ -55,12 +56,12 @@ uint64_t ShownValue(const strProgress& p) {
 
 bool AppendNumber(XString16& text, uint64_t n) {
   char16_t digits[20];
-  uint32_t count = 0;
+  char16_t* first = std::end(digits);
   do {
-    digits[sizeof(digits) / sizeof(digits[0]) - ++count] = static_cast<char16_t>(u'0' + n % 10);
+    *--first = static_cast<char16_t>(u'0' + n % 10);
     n /= 10;
   } while (n != 0);
-  return text.Add(digits + sizeof(digits) / sizeof(digits[0]) - count, count * 2);
+  return text.Add(first, std::end(digits));
 }
 
 // Sets the record's window title to `text`; a failure of the user interface

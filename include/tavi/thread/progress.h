@@ -80,7 +80,9 @@ TAVI_API void ProgressStart(strProgress& progress, uint32_t titleId, uint64_t to
 // reads 0 until done reaches total - total / 200 and then 100, and display code
 // relies on that order of operations. A total of 0 shows 100. Cost: a clock read
 // and a process-wide lock; safe to call from several threads on one record only
-// when they serialise the calls (the threaded XMake forms do).
+// when they serialise the calls (the threaded XMake forms do). Titles are set
+// through the user-interface table with that lock held, so the host's
+// set_window_text must not call back into these functions.
 TAVI_API int32_t ProgressSet(strProgress& progress, uint64_t done);
 
 // ProgressEnd unlinks the record. When it was the innermost and the next outer
