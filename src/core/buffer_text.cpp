@@ -99,11 +99,22 @@ bool XBuffer::Add(const XBuffer& text) {
   return Add(reinterpret_cast<const char16_t*>(text.GetBuffer()), text.GetBufferPos());
 }
 
+namespace {
+
+// Whether p points into the bytes bytes at block.
+bool PointsInto(const void* p, const void* block, uint64_t bytes) {
+  const auto a = reinterpret_cast<uintptr_t>(p);
+  const auto b = reinterpret_cast<uintptr_t>(block);
+  return p != nullptr && block != nullptr && a >= b && a - b < bytes;
+}
+
+}  // namespace
+
 bool XBuffer::Add(const TTitleTextBase& title) {
   // A title that points into this block (attached to it, or assumed from it) is
   // copied first: growing may move the block.
   const auto* data = reinterpret_cast<const uint8_t*>(title.text);
-  if (data != nullptr && buffer_ != nullptr && data >= buffer_ && data < buffer_ + allocated_ + 4) {
+  if (PointsInto(data, buffer_, uint64_t{allocated_} + 4)) {
     const std::string copy(reinterpret_cast<const char*>(data), title.size);
     return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);
   }
@@ -166,7 +177,7 @@ bool XBuffer::Set(const XBuffer& text) {
 
 bool XBuffer::Set(const TTitleTextBase& title) {
   const auto* data = reinterpret_cast<const uint8_t*>(title.text);
-  if (data != nullptr && buffer_ != nullptr && data >= buffer_ && data < buffer_ + allocated_ + 4) {
+  if (PointsInto(data, buffer_, uint64_t{allocated_} + 4)) {
     const std::string copy(reinterpret_cast<const char*>(data), title.size);
     ResetBufferPos();
     return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);

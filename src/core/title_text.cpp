@@ -55,9 +55,9 @@ void TTitleTextBase::ReleaseUnless(const char16_t* keep) {
   // A text that is about to be taken over, or that lies inside the own block, must
   // not be freed first: keeping the block (a leak at worst) beats pointing into
   // freed memory.
-  const bool inside =
-      keep != nullptr && text != nullptr && keep >= text &&
-      reinterpret_cast<const uint8_t*>(keep) <= reinterpret_cast<const uint8_t*>(text) + size;
+  const auto k = reinterpret_cast<uintptr_t>(keep);
+  const auto t = reinterpret_cast<uintptr_t>(text);
+  const bool inside = keep != nullptr && text != nullptr && k >= t && k - t <= size;
   if (!inside) FreeOwned();
   text = nullptr;
   size = 0;

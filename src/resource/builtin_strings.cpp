@@ -97,6 +97,8 @@ constinit BuiltinStringResource g_builtin_table;
 
 constinit TStringResource* XLibStringResource = &g_builtin_table;
 
-TStringResource* XBuiltinStringResource() { return &g_builtin_table; }
+TStringResource* XBuiltinStringResource() {
+  return &g_builtin_table;
+}
 
 }  // namespace tavi

@@ -1,0 +1,81 @@
+//===- time_posix.cpp - Clocks, local time and the time zone on POSIX -----===//
+#include <time.h>
+
+#include "platform/time.h"
+
+namespace tavi::platform {
+
+bool LocalTimeNow(std::tm& out) {
+  struct timespec now;
+  if (clock_gettime(CLOCK_REALTIME, &now) != 0) return false;
+  time_t seconds = now.tv_sec;
+  return localtime_r(&seconds, &out) != nullptr;
+}
+
+bool LocalTimeFromTimeT(int64_t seconds, std::tm& out) {
+  time_t t = static_cast<time_t>(seconds);
+  if (static_cast<int64_t>(t) != seconds) return false;
+  return localtime_r(&t, &out) != nullptr;
+}
+
+namespace {
+
+// Days from 1601-01-01 to a Gregorian date's year, month and day; the inverse of
+// the usual era-based day count, shifted so that the year starts in March.
+void CivilFromDays(int64_t days, int64_t& year, unsigned& month, unsigned& day) {
+  // Shift the epoch from 1601-01-01 to 0000-03-01 (584694 days earlier).
+  int64_t z = days + 584694;
+  const int64_t era = z / 146097;  // z is never negative here
+  const unsigned doe = static_cast<unsigned>(z - era * 146097);
+  const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+  const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+  const unsigned mp = (5 * doy + 2) / 153;
+  day = doy - (153 * mp + 2) / 5 + 1;
+  month = mp < 10 ? mp + 3 : mp - 9;
+  year = static_cast<int64_t>(yoe) + era * 400 + (month <= 2 ? 1 : 0);
+}
+
+}  // namespace
+
+bool FileTimeToSystemTime(const XFileTime& fileTime, XSystemTime& out) {
+  if (fileTime.value >> 63) return false;
+  const uint64_t totalMs = fileTime.value / 10000;
+  const uint64_t days = totalMs / 86400000;
+  const uint64_t msOfDay = totalMs % 86400000;
+  int64_t year;
+  unsigned month, day;
+  CivilFromDays(static_cast<int64_t>(days), year, month, day);
+  out.wYear = static_cast<uint16_t>(year);
+  out.wMonth = static_cast<uint16_t>(month);
+  out.wDay = static_cast<uint16_t>(day);
+  out.wDayOfWeek = static_cast<uint16_t>((days + 1) % 7);  // 1601-01-01 was a Monday
+  out.wHour = static_cast<uint16_t>(msOfDay / 3600000);
+  out.wMinute = static_cast<uint16_t>(msOfDay / 60000 % 60);
+  out.wSecond = static_cast<uint16_t>(msOfDay / 1000 % 60);
+  out.wMilliseconds = static_cast<uint16_t>(msOfDay % 1000);
+  return true;
+}
+
+bool StandardTimeZoneBias(int32_t& minutes) {
+  // tzset fills `timezone` with the standard offset in seconds west of UTC,
+  // which is the bias with UTC = local + bias.
+  tzset();
+  minutes = static_cast<int32_t>(timezone / 60);
+  return true;
+}
+
+uint64_t PerformanceCounter() {
+  struct timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000000000u + static_cast<uint64_t>(now.tv_nsec);
+}
+
+uint64_t PerformanceFrequency() {
+  return 1000000000u;
+}
+
+uint64_t TickCountMs() {
+  return PerformanceCounter() / 1000000u;
+}
+
+}  // namespace tavi::platform
