@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "crypt/internal/aes256_kernel.h"
+#include "crypt/internal/block_reader.h"
 #include "tavi/crypt/aes256.h"
 #include "tavi/io/stream.h"
 
@@ -16,20 +17,6 @@ namespace tavi {
 namespace {
 
 constexpr uint32_t kBatchBytes = 16 * 1024;
-
-// Reads up to want bytes (a multiple of 16) as reading block by block would
-// see them: it stops at a read that delivers nothing or ends inside a block,
-// so the stream's error state afterwards is the one a reader of single blocks
-// would find.
-uint32_t ReadBlocks(XIO& in, uint8_t* to, uint32_t want) {
-  uint32_t got = 0;
-  while (got < want) {
-    const uint32_t n = in._Read(to + got, want - got);
-    got += n;
-    if (n == 0 || got % 16 != 0) break;
-  }
-  return got;
-}
 
 }  // namespace
 
@@ -81,7 +68,7 @@ bool XAES256Decrypt(XIO& out, const char16_t* password, XIO& in, int32_t size) {
   while (remaining > 0) {
     const uint32_t want_plain = remaining < kBatchBytes ? remaining : kBatchBytes;
     const uint32_t want = (want_plain + 15) & ~15u;  // whole enciphered blocks
-    const uint32_t got = ReadBlocks(in, batch, want);
+    const uint32_t got = crypt_internal::ReadWholeBlocks(in, batch, want).got;
     const uint32_t blocks = (got < want ? got : want) / 16;
     crypt_internal::Aes256Decrypt(sched, batch, batch, blocks);
     const uint32_t plain = blocks * 16 < want_plain ? blocks * 16 : want_plain;

@@ -2,7 +2,8 @@
 //
 // The AES-256 block cipher of FIPS-197, used block by block (electronic
 // codebook: no chaining, no initialisation vector, no padding), keyed from a
-// password by the library's own rule, and applied in place over memory.
+// password by the library's own rule, applied in place over memory, between
+// memory and streams, and by XCipherAES256, the enciphering filter stream.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -10,10 +11,9 @@
 #include <cstdint>
 
 #include "tavi/export.h"
+#include "tavi/io/routed.h"
 
 namespace tavi {
-
-class XIO;
 
 // XAES256KeyExpansion (raw key) writes the FIPS-197 AES-256 schedule of the 32
 // bytes at key32 into the 240 bytes at schedule (15 round keys of 16 bytes).
@@ -65,5 +65,69 @@ TAVI_API bool XAES256Encrypt(XIO& out, const char16_t* password, const void* dat
 // the result is false. A failed write returns false with the cause in out.
 // size 0 returns true; a negative size sets 0x20000014 in out, false.
 TAVI_API bool XAES256Decrypt(XIO& out, const char16_t* password, XIO& in, int32_t size);
+
+// XAESState is one 16-byte cipher block: the filter's block buffer, and the
+// record that EncryptAndWriteState / ReadAndDecryptState move enciphered.
+union XAESState {
+  uint8_t bytes[16];
+  uint32_t words[4];
+  uint64_t quads[2];
+};
+static_assert(sizeof(XAESState) == 16);
+
+// XCipherAES256 is a pass-through filter that enciphers what is written
+// through it and deciphers what is read, block by block under a key made from
+// a wide password. Writing: construct on the next stream, Init, write, then
+// _Flush exactly once. Reading: construct, Init, read exactly the plain length
+// the writer wrote (the stream does not record it). A wrong password gives
+// wrong bytes and no error; integrity is the business of the CRC and hash
+// filters chained with it.
+class TAVI_API XCipherAES256 : public XRoutedIO {
+ public:
+  XCipherAES256() = default;
+  explicit XCipherAES256(XIO* next) : XRoutedIO(next) {}
+  XCipherAES256(const XCipherAES256& other) = default;
+  XCipherAES256& operator=(const XCipherAES256& other) = default;
+  ~XCipherAES256() override;
+
+  // Init keys the filter from the password (XAES256KeyExpansion, wide form)
+  // and empties the block buffer.
+  void Init(const char16_t* password);
+
+  // _Write enciphers whole blocks and passes them on, in batches of whole
+  // blocks; up to 15 bytes wait in the block buffer for the next write or
+  // _Flush. A failed downstream write imports its error and is false.
+  bool _Write(const void* data, uint32_t bytes) override;
+  // _Read delivers exactly bytes deciphered bytes and returns bytes, or 0 on
+  // failure. Whole blocks are read and deciphered in the caller's memory; a
+  // partial block is read into the block buffer, which keeps the rest for the
+  // next read. A stream that ends inside a block sets 0x20000004 (unless an
+  // error is pending, such as the downstream error imported after a read of
+  // 0 bytes) and gives 0, even when some bytes were already delivered.
+  uint32_t _Read(void* data, uint32_t bytes) override;
+  // _Flush enciphers a partly filled block buffer (its filler is whatever
+  // the buffer held) and writes its 16 bytes. It neither empties the buffer
+  // nor flushes the next stream: call it once, at the end of writing. True
+  // when nothing waited.
+  bool _Flush() override;
+
+  // EncryptAndWriteState enciphers the block buffer in place and writes its
+  // 16 bytes to the next stream; the buffered count is not changed.
+  bool EncryptAndWriteState();
+  // ReadAndDecryptState reads 16 bytes from the next stream into state and
+  // deciphers them there. Fewer than 16 bytes set 0x20000004 unless an error
+  // is pending (after a read of 0 bytes, the imported downstream error).
+  bool ReadAndDecryptState(XAESState* state);
+
+  // The number of bytes waiting in the block buffer: plain bytes not yet
+  // written on the writing side, deciphered bytes not yet delivered on the
+  // reading side.
+  uint32_t GetBufferedCount() const { return buffered_; }
+
+ private:
+  XAESState state_ = {};
+  uint32_t buffered_ = 0;
+  char schedule_[240] = {};
+};
 
 }  // namespace tavi

@@ -1,0 +1,1 @@
+tavi_add_fuzzer(xor_filter ${CMAKE_CURRENT_LIST_DIR}/xor_filter.cpp)

@@ -1,0 +1,59 @@
+//===- crc32_io.cpp - The checksumming filter stream ----------------------===//
+#include "crypt/internal/crc32_kernel.h"
+#include "crypt/internal/endian.h"
+#include "tavi/crypt/crc32.h"
+
+namespace tavi {
+
+XCRC32IO::~XCRC32IO() = default;
+
+void XCRC32IO::Init() {
+  crypt_internal::Crc32Table();
+  crc_ = 0xFFFFFFFFu;
+}
+
+bool XCRC32IO::_Write(const void* data, uint32_t bytes) {
+  XIO* next = Next();
+  if (next == nullptr) return false;
+  crc_ = crypt_internal::Crc32Update(crc_, data, bytes);
+  if (next->_Write(data, bytes)) return true;
+  ImportErrorCode(*next);
+  return false;
+}
+
+uint32_t XCRC32IO::_Read(void* data, uint32_t bytes) {
+  XIO* next = Next();
+  if (next == nullptr) return 0;
+  const uint32_t got = next->_Read(data, bytes);
+  if (got == 0) {
+    ImportErrorCode(*next);
+    return 0;
+  }
+  crc_ = crypt_internal::Crc32Update(crc_, data, got);
+  return got;
+}
+
+bool XCRC32IO::_WriteCRC() {
+  XIO* next = Next();
+  if (next == nullptr) return false;
+  uint8_t trailer[4];
+  crypt_internal::StoreLE32(trailer, crc_ ^ 0xFFFFFFFFu);
+  if (next->_Write(trailer, 4)) return true;
+  ImportErrorCode(*next);
+  return false;
+}
+
+bool XCRC32IO::CheckCRC() {
+  XIO* next = Next();
+  if (next == nullptr) return false;
+  uint8_t trailer[4];
+  const uint32_t got = next->_Read(trailer, 4);
+  if (got == 0) ImportErrorCode(*next);
+  if (got != 4 || crypt_internal::LoadLE32(trailer) != (crc_ ^ 0xFFFFFFFFu)) {
+    SetErrorCode(kErrEndOfData);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace tavi
