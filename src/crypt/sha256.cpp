@@ -11,7 +11,7 @@ namespace {
 void HashWith(const uint32_t (&init)[8], uint32_t (&state)[8], const void* data, int32_t size) {
   std::memcpy(state, init, sizeof(state));
   const auto* bytes = static_cast<const uint8_t*>(data);
-  const uint32_t length = static_cast<uint32_t>(size);
+  const uint32_t length = size > 0 ? static_cast<uint32_t>(size) : 0;  // nothing to read
   crypt_internal::Sha256Compress(state, bytes, length / 64);
   uint8_t block[64];
   const uint32_t tail = length % 64;

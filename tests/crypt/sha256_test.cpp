@@ -81,6 +81,10 @@ TEST(Sha256, EmptyMessageIsOneBlockOfOneThenZeros) {
   }
   // Not the standard digest of the empty message (e3b0c442...).
   EXPECT_NE(reinterpret_cast<uint8_t*>(out)[0], 0xE3);
+  // A negative size reads nothing and hashes as empty.
+  int32_t negative[8];
+  XHashSHA256(negative, "abc", -5);
+  EXPECT_TRUE(XEqualHashSHA256(out, negative));
 }
 
 // 55 bytes leave room for the 0x01 byte and the length in one last block; 56

@@ -20,9 +20,9 @@ namespace tavi {
 // XHashSHA256 hashes size bytes at data into out. Each element of out holds
 // four digest bytes in memory order, so out read as 32 bytes is the digest
 // (H0's most significant byte first). Whole 64-byte blocks are compressed
-// straight from data. No argument checks: data must hold size bytes, and a
-// negative size is the caller's fault. Cost: linear; SHA extensions where
-// the processor has them.
+// straight from data, which must hold size bytes; a negative size is taken
+// as 0 (the digest of no data). Cost: linear; SHA extensions where the
+// processor has them.
 TAVI_API void XHashSHA256(int32_t (&out)[8], const void* data, int32_t size);
 
 // XHashSHA224 is XHashSHA256 started from the SHA-224 initial values; out
