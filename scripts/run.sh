@@ -10,3 +10,4 @@ set -x
 "$tavi"
 "$tavi" errors
 "$tavi" errors $(cat samples/error-codes.txt)
+"$tavi" hash samples/*

@@ -19,6 +19,7 @@ struct Command {
 std::span<const Command> Commands();
 
 int RunErrors(std::span<char* const> args);
+int RunHash(std::span<char* const> args);
 int RunHelp(std::span<char* const> args);
 int RunVersion(std::span<char* const> args);
 

@@ -18,6 +18,7 @@ namespace {
 constexpr Command kCommands[] = {
     {"errors", "list the library's error codes with their messages", "tavi errors [CODE...]",
      RunErrors},
+    {"hash", "print the CRC-32 and the 256-bit hash of files", "tavi hash FILE...", RunHash},
     {"help", "list the subcommands", "tavi help", RunHelp},
     {"version", "print the library version", "tavi version", RunVersion},
 };
