@@ -9,12 +9,18 @@
 #include <array>
 #include <atomic>
 
+#include "core/internal/endian.h"
 #include "crypt/internal/aes256_kernel.h"
-#include "crypt/internal/endian.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
 namespace tavi::crypt_internal {
+
+using internal::LoadBE32;
+using internal::LoadLE32;
+using internal::StoreBE32;
+using internal::StoreLE32;
+
 namespace {
 
 constexpr uint32_t Mul2(uint32_t x) {

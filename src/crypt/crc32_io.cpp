@@ -1,6 +1,6 @@
 //===- crc32_io.cpp - The checksumming filter stream ----------------------===//
+#include "core/internal/endian.h"
 #include "crypt/internal/crc32_kernel.h"
-#include "crypt/internal/endian.h"
 #include "tavi/crypt/crc32.h"
 
 namespace tavi {
@@ -37,7 +37,7 @@ bool XCRC32IO::_WriteCRC() {
   XIO* next = Next();
   if (next == nullptr) return false;
   uint8_t trailer[4];
-  crypt_internal::StoreLE32(trailer, crc_ ^ 0xFFFFFFFFu);
+  internal::StoreLE32(trailer, crc_ ^ 0xFFFFFFFFu);
   if (next->_Write(trailer, 4)) return true;
   ImportErrorCode(*next);
   return false;
@@ -49,7 +49,7 @@ bool XCRC32IO::CheckCRC() {
   uint8_t trailer[4];
   const uint32_t got = next->_Read(trailer, 4);
   if (got == 0) ImportErrorCode(*next);
-  if (got != 4 || crypt_internal::LoadLE32(trailer) != (crc_ ^ 0xFFFFFFFFu)) {
+  if (got != 4 || internal::LoadLE32(trailer) != (crc_ ^ 0xFFFFFFFFu)) {
     SetErrorCode(kErrEndOfData);
     return false;
   }

@@ -6,12 +6,18 @@
 //===----------------------------------------------------------------------===//
 #include <atomic>
 
+#include "core/internal/endian.h"
 #include "crypt/internal/crc32_kernel.h"
-#include "crypt/internal/endian.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
 namespace tavi::crypt_internal {
+
+using internal::LoadBE32;
+using internal::LoadLE32;
+using internal::StoreBE32;
+using internal::StoreLE32;
+
 namespace {
 
 uint32_t Mirror32(uint32_t v) {

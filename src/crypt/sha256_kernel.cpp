@@ -2,12 +2,17 @@
 #include <atomic>
 #include <cstring>
 
-#include "crypt/internal/endian.h"
+#include "core/internal/endian.h"
 #include "crypt/internal/sha256_kernel.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
 namespace tavi::crypt_internal {
+
+using internal::LoadBE32;
+using internal::LoadLE32;
+using internal::StoreBE32;
+using internal::StoreLE32;
 
 alignas(64) const uint32_t kSha256K[64] = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,

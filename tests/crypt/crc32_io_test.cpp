@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include "core/internal/endian.h"
 #include "crypt/filter_io.h"
-#include "crypt/internal/endian.h"
 #include "crypt/test_data.h"
 #include "crypt/test_streams.h"
 #include "tavi/core/buffer.h"
@@ -104,7 +104,7 @@ TEST(Crc32IO, FoldsBeforeForwardingAndImportsErrors) {
   ASSERT_TRUE(writer._WriteCRC());
   uint32_t expected = 0;
   XHashCRC32(expected, payload.data(), 300);
-  EXPECT_EQ(crypt_internal::LoadLE32(other.GetBuffer()), expected);
+  EXPECT_EQ(internal::LoadLE32(other.GetBuffer()), expected);
 
   crypt_test::FailingReader dry({});
   XCRC32IO reader(&dry);

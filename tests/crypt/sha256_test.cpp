@@ -9,13 +9,12 @@
 
 #include <cstring>
 
-#include "crypt/internal/endian.h"
+#include "core/internal/endian.h"
 #include "crypt/test_data.h"
 
 namespace tavi {
 namespace {
 
-using crypt_internal::ByteSwap32;
 using crypt_internal::Sha256Path;
 using crypt_test::PathReset;
 using crypt_test::RandomBytes;
@@ -36,13 +35,13 @@ std::vector<uint8_t> ReferenceDigest(const uint32_t (&init)[8], const uint8_t* d
   for (size_t at = 0; at < msg.size(); at += 64) {
     uint8_t block[64];
     for (int w = 0; w < 16; ++w) {
-      const uint32_t v = ByteSwap32(crypt_internal::LoadLE32(&msg[at + 4 * w]));
+      const uint32_t v = internal::ByteSwap(internal::LoadLE32(&msg[at + 4 * w]));
       std::memcpy(block + 4 * w, &v, 4);
     }
     SHA256_Transform(&ctx, block);
   }
   std::vector<uint8_t> digest(32);
-  for (int i = 0; i < 8; ++i) crypt_internal::StoreBE32(&digest[4 * i], ctx.h[i]);
+  for (int i = 0; i < 8; ++i) internal::StoreBE32(&digest[4 * i], ctx.h[i]);
   return digest;
 }
 
@@ -76,7 +75,7 @@ TEST(Sha256, EmptyMessageIsOneBlockOfOneThenZeros) {
   XHashSHA256(out, nullptr, 0);
   for (int i = 0; i < 8; ++i) {
     uint8_t be[4];
-    crypt_internal::StoreBE32(be, state[i]);
+    internal::StoreBE32(be, state[i]);
     EXPECT_EQ(std::memcmp(be, reinterpret_cast<uint8_t*>(out) + 4 * i, 4), 0) << i;
   }
   // Not the standard digest of the empty message (e3b0c442...).

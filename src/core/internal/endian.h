@@ -1,8 +1,8 @@
 //===- endian.h - Little-endian loads and stores ---------------*- C++ -*-===//
 //
-// Persistent integers are little-endian on every host. These helpers read and write
-// them byte by byte through memcpy: alignment-safe, and folded into single moves by
-// the compiler on little-endian hosts.
+// Persistent integers are little-endian on every host (the hash works on big-endian
+// words). These helpers read and write them byte by byte through memcpy: alignment-safe, and folded
+// into single moves by the compiler on little-endian hosts.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -35,6 +35,20 @@ inline void StoreLE(void* p, T v) {
   std::memcpy(p, &v, sizeof v);
 }
 
+template <typename T>
+inline T LoadBE(const void* p) {
+  T v;
+  std::memcpy(&v, p, sizeof v);
+  if constexpr (std::endian::native == std::endian::little) v = ByteSwap(v);
+  return v;
+}
+
+template <typename T>
+inline void StoreBE(void* p, T v) {
+  if constexpr (std::endian::native == std::endian::little) v = ByteSwap(v);
+  std::memcpy(p, &v, sizeof v);
+}
+
 inline uint16_t LoadLE16(const void* p) {
   return LoadLE<uint16_t>(p);
 }
@@ -52,6 +66,12 @@ inline void StoreLE32(void* p, uint32_t v) {
 }
 inline void StoreLE64(void* p, uint64_t v) {
   StoreLE(p, v);
+}
+inline uint32_t LoadBE32(const void* p) {
+  return LoadBE<uint32_t>(p);
+}
+inline void StoreBE32(void* p, uint32_t v) {
+  StoreBE(p, v);
 }
 
 }  // namespace tavi::internal
