@@ -8,7 +8,9 @@ install(TARGETS tavi tavi_static EXPORT taviTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/tavi DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY lang/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tavi/lang FILES_MATCHING PATTERN "*.lng")
+if(EXISTS ${PROJECT_SOURCE_DIR}/lang)
+  install(DIRECTORY lang/ DESTINATION ${CMAKE_INSTALL_DATADIR}/tavi/lang FILES_MATCHING PATTERN "*.lng")
+endif()
 install(EXPORT taviTargets NAMESPACE tavi:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/tavi)
 
 configure_package_config_file(cmake/taviConfig.cmake.in

@@ -260,6 +260,23 @@ bool XBuffer::_ShiftForward(uint32_t bytes) {
   return true;
 }
 
+bool XBuffer::ReadTo(XIO& target, uint32_t bytes) {
+  if (bytes == 0) return true;
+  const uint32_t left = current_pos_ < buffer_pos_ ? buffer_pos_ - current_pos_ : 0;
+  const uint32_t at = current_pos_;
+  current_pos_ += left < bytes ? left : bytes;
+  if (left < bytes) {
+    SetSafeErrorCode(kErrEndOfData);
+    target.ImportErrorCode(*this);
+    return false;
+  }
+  if (!target._Write(buffer_ + at, bytes)) {
+    ImportErrorCode(target);
+    return false;
+  }
+  return true;
+}
+
 uint32_t XBuffer::_ReadToBuffer(XIO& source, uint32_t bytes) {
   if (!GrowForWrite(bytes)) {
     source.ImportErrorCode(*this);

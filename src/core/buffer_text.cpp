@@ -12,6 +12,7 @@
 #include "platform/locale.h"
 #include "platform/module.h"
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 #include "tavi/resource/string_resource.h"
 
 namespace tavi {
@@ -98,6 +99,28 @@ bool XBuffer::Add(const XBuffer& text) {
   return Add(reinterpret_cast<const char16_t*>(text.GetBuffer()), text.GetBufferPos());
 }
 
+namespace {
+
+// Whether p points into the bytes bytes at block.
+bool PointsInto(const void* p, const void* block, uint64_t bytes) {
+  const auto a = reinterpret_cast<uintptr_t>(p);
+  const auto b = reinterpret_cast<uintptr_t>(block);
+  return p != nullptr && block != nullptr && a >= b && a - b < bytes;
+}
+
+}  // namespace
+
+bool XBuffer::Add(const TTitleTextBase& title) {
+  // A title that points into this block (attached to it, or assumed from it) is
+  // copied first: growing may move the block.
+  const auto* data = reinterpret_cast<const uint8_t*>(title.text);
+  if (PointsInto(data, buffer_, uint64_t{allocated_} + 4)) {
+    const std::string copy(reinterpret_cast<const char*>(data), title.size);
+    return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);
+  }
+  return Add(title.text, title.size);
+}
+
 bool XBuffer::Add(const char16_t* const* texts) {
   bool ok = true;
   for (; texts != nullptr && *texts != nullptr && ok; ++texts) ok = Add(*texts);
@@ -150,6 +173,17 @@ bool XBuffer::Set(const XBuffer& text) {
     return EndAsString();
   }
   return Add(reinterpret_cast<const char16_t*>(data), bytes);
+}
+
+bool XBuffer::Set(const TTitleTextBase& title) {
+  const auto* data = reinterpret_cast<const uint8_t*>(title.text);
+  if (PointsInto(data, buffer_, uint64_t{allocated_} + 4)) {
+    const std::string copy(reinterpret_cast<const char*>(data), title.size);
+    ResetBufferPos();
+    return Add(reinterpret_cast<const char16_t*>(copy.data()), title.size);
+  }
+  ResetBufferPos();
+  return Add(title.text, title.size);
 }
 
 bool XBuffer::Set(const char16_t* const* texts) {

@@ -62,38 +62,36 @@ bool XBuffer::WndSetText(XWindow window) {
   return true;
 }
 
-bool XBuffer::DlgGetItemText(XWindow dialog, int32_t item) {
+XWindow XBuffer::DialogItem(XWindow dialog, int32_t item) {
   XWindow control = UI(&XUserInterface::get_dialog_item)(dialog, item);
-  if (control == nullptr) {
-    SetWinLastError();
-    return false;
-  }
-  return WndGetText(control);
+  if (control == nullptr) SetWinLastError();
+  return control;
+}
+
+bool XBuffer::DlgGetItemText(XWindow dialog, int32_t item) {
+  XWindow control = DialogItem(dialog, item);
+  return control != nullptr && WndGetText(control);
 }
 
 bool XBuffer::DlgSetItemText(XWindow dialog, int32_t item) {
-  XWindow control = UI(&XUserInterface::get_dialog_item)(dialog, item);
-  if (control == nullptr) {
+  XWindow control = DialogItem(dialog, item);
+  return control != nullptr && WndSetText(control);
+}
+
+bool XBuffer::PutOnClipboard(XWindow owner, uint32_t format, uint32_t bytes, bool empty_first) {
+  if (!UI(&XUserInterface::clipboard_set)(owner, format, buffer_, bytes, empty_first)) {
     SetWinLastError();
     return false;
   }
-  return WndSetText(control);
+  return true;
 }
 
 bool XBuffer::CopyToClipboard(XWindow owner, uint32_t format) {
-  if (!UI(&XUserInterface::clipboard_set)(owner, format, buffer_, buffer_pos_, true)) {
-    SetWinLastError();
-    return false;
-  }
-  return true;
+  return PutOnClipboard(owner, format, buffer_pos_, true);
 }
 
 bool XBuffer::AddClipboardData(XWindow owner, uint32_t format) {
-  if (!UI(&XUserInterface::clipboard_set)(owner, format, buffer_, buffer_pos_, false)) {
-    SetWinLastError();
-    return false;
-  }
-  return true;
+  return PutOnClipboard(owner, format, buffer_pos_, false);
 }
 
 bool XBuffer::AddClipboardFormatName(uint32_t format) {

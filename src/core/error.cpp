@@ -38,10 +38,13 @@ void XError::SetErrno() {
 namespace {
 
 // Appends library string id through the library's string table; a missing string
-// shows as the placeholder text.
+// shows as the placeholder text, a failed write fails.
 bool AppendLibraryString(XString16& text, uint32_t id) {
   TStringResource* table = XLibStringResource;
-  if (table != nullptr && table->_Write(text, static_cast<int32_t>(id))) return true;
+  if (table != nullptr) {
+    if (table->_Write(text, static_cast<int32_t>(id))) return true;
+    if (table->_Get(static_cast<int32_t>(id)) != nullptr) return false;
+  }
   return internal::AppendText(text, kMissingStringText);
 }
 

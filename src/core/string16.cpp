@@ -7,17 +7,6 @@
 
 namespace tavi {
 
-namespace {
-
-// Bytes of the block that may be read: an owned block has 4 spare bytes after its
-// allocation, an attached one the single byte the size-minus-one rule leaves.
-uint32_t ReadableBytes(const XBuffer& b) {
-  if (b.GetBuffer() == nullptr) return 0;
-  return b.GetBufferSize() + (b.GetBufferAttached() ? 1u : 4u);
-}
-
-}  // namespace
-
 XString16::XString16(uint32_t id, XModule module) {
   Set(id, module);
 }
@@ -28,12 +17,12 @@ bool XString16::_Write(const void* data, uint32_t bytes) {
   if (!XBuffer::_Write(data, bytes)) return false;
   if (GetBuffer() == nullptr && !AllocBuffer(1)) return false;
   // The terminator goes where the block has room for it (always in an owned block).
-  if (static_cast<uint64_t>(GetBufferPos()) + 2 <= ReadableBytes(*this)) _EndAsString();
+  if (static_cast<uint64_t>(GetBufferPos()) + 2 <= _ReadableBytes()) _EndAsString();
   return true;
 }
 
 uint32_t XString16::GetLenght() const {
-  const uint32_t units = ReadableBytes(*this) / 2;
+  const uint32_t units = _ReadableBytes() / 2;
   const char16_t* text = c_str();
   uint32_t n = 0;
   while (n < units && text[n] != 0) ++n;
@@ -69,20 +58,13 @@ void XString16::SetLower(uint32_t index) {
   SetUpper(index);
 }
 
+// Clipboard text includes its terminator.
 bool XString16::CopyToClipboard(XWindow owner) {
-  if (!EndAsString()) return false;
-  ShiftBufferPos(2);
-  const bool ok = XBuffer::CopyToClipboard(owner, kClipboardUnicodeText);
-  ShiftBufferPos(-2);
-  return ok;
+  return EndAsString() && PutOnClipboard(owner, kClipboardUnicodeText, GetBufferPos() + 2, true);
 }
 
 bool XString16::AddClipboardData(XWindow owner) {
-  if (!EndAsString()) return false;
-  ShiftBufferPos(2);
-  const bool ok = XBuffer::AddClipboardData(owner, kClipboardUnicodeText);
-  ShiftBufferPos(-2);
-  return ok;
+  return EndAsString() && PutOnClipboard(owner, kClipboardUnicodeText, GetBufferPos() + 2, false);
 }
 
 }  // namespace tavi

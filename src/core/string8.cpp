@@ -15,11 +15,6 @@ namespace tavi {
 
 namespace {
 
-uint32_t ReadableBytes(const XBuffer& b) {
-  if (b.GetBuffer() == nullptr) return 0;
-  return b.GetBufferSize() + (b.GetBufferAttached() ? 1u : 4u);
-}
-
 std::u16string Widen(const char* text) {
   std::u16string wide;
   for (; text != nullptr && *text != 0; ++text)
@@ -44,13 +39,13 @@ XString8::~XString8() = default;
 bool XString8::_Write(const void* data, uint32_t bytes) {
   if (!XBuffer::_Write(data, bytes)) return false;
   if (GetBuffer() == nullptr && !AllocBuffer(1)) return false;
-  if (static_cast<uint64_t>(GetBufferPos()) + 1 <= ReadableBytes(*this))
+  if (static_cast<uint64_t>(GetBufferPos()) + 1 <= _ReadableBytes())
     *_GetBufferAt(GetBufferPos()) = 0;
   return true;
 }
 
 uint32_t XString8::GetLenght() const {
-  const uint32_t bytes = ReadableBytes(*this);
+  const uint32_t bytes = _ReadableBytes();
   const char* text = c_str();
   uint32_t n = 0;
   while (n < bytes && text[n] != 0) ++n;
@@ -129,45 +124,26 @@ bool XString8::WndSetText(XWindow window) {
 }
 
 bool XString8::DlgGetItemText(XWindow dialog, int32_t item) {
-  XWindow control = internal::UI(&XUserInterface::get_dialog_item)(dialog, item);
-  if (control == nullptr) {
-    SetWinLastError();
-    return false;
-  }
-  return WndGetText(control);
+  XWindow control = DialogItem(dialog, item);
+  return control != nullptr && WndGetText(control);
 }
 
 bool XString8::DlgSetItemText(XWindow dialog, int32_t item) {
-  XWindow control = internal::UI(&XUserInterface::get_dialog_item)(dialog, item);
-  if (control == nullptr) {
-    SetWinLastError();
-    return false;
-  }
-  return WndSetText(control);
+  XWindow control = DialogItem(dialog, item);
+  return control != nullptr && WndSetText(control);
 }
 
 uint32_t XString8::WndGetTextLength(XWindow window) {
   return internal::UI(&XUserInterface::get_window_text_length)(window);
 }
 
+// Clipboard text includes its terminator.
 bool XString8::CopyToClipboard(XWindow owner) {
-  if (!_Write(nullptr, 0)) return false;
-  if (!internal::UI(&XUserInterface::clipboard_set)(owner, kClipboardText, GetBuffer(),
-                                                    GetBufferPos() + 1, true)) {
-    SetWinLastError();
-    return false;
-  }
-  return true;
+  return _Write(nullptr, 0) && PutOnClipboard(owner, kClipboardText, GetBufferPos() + 1, true);
 }
 
 bool XString8::AddClipboardData(XWindow owner) {
-  if (!_Write(nullptr, 0)) return false;
-  if (!internal::UI(&XUserInterface::clipboard_set)(owner, kClipboardText, GetBuffer(),
-                                                    GetBufferPos() + 1, false)) {
-    SetWinLastError();
-    return false;
-  }
-  return true;
+  return _Write(nullptr, 0) && PutOnClipboard(owner, kClipboardText, GetBufferPos() + 1, false);
 }
 
 uint32_t XRemoveDOSNewLines(char* text, uint32_t length) {

@@ -3,6 +3,8 @@
 
 namespace tavi {
 
-const char* XGetVersionString() { return "0.1.0"; }
+const char* XGetVersionString() {
+  return "0.1.0";
+}
 
 }  // namespace tavi

@@ -2,11 +2,13 @@
 #include "tavi/io/stream.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "core/internal/endian.h"
 #include "platform/errors.h"
 #include "tavi/core/string.h"
+#include "tavi/core/title_text.h"
 
 namespace tavi {
 
@@ -228,6 +230,45 @@ bool XIO::Read(XString16& text) {
 }
 bool XIO::Read(XString8& text) {
   return ReadSized(*this, text);
+}
+
+bool XIO::Write(const TTitleTextBase& title) {
+  uint8_t prefix[4];
+  internal::StoreLE32(prefix, title.size);
+  return _Write(prefix, 4) && (title.size == 0 || _Write(title.text, title.size));
+}
+
+bool XIO::Read(TTitleTextBase& title) {
+  uint8_t prefix[4];
+  if (_Read(prefix, 4) != 4) {
+    SetSafeErrorCode(kErrEndOfData);
+    return false;
+  }
+  const uint32_t length = internal::LoadLE32(prefix);
+  if (length == 0) {
+    title.Free();
+    title.StateClean(kTitleAttached);
+    return true;
+  }
+  // Large lengths are not trusted: the text grows step by step (AllocBuffer keeps the
+  // content) as the data actually arrives.
+  uint32_t done = 0;
+  while (done < length) {
+    const uint32_t step = length - done < kStringReadStep ? length - done : kStringReadStep;
+    if (!title.AllocBuffer(done + step)) {
+      SetErrorCode(kErrNoMemory);
+      return false;
+    }
+    const uint32_t n = _Read(reinterpret_cast<uint8_t*>(title.text) + done, step);
+    done += n;
+    if (n != step) {
+      SetErrorCode(kErrEndOfData);
+      return false;
+    }
+  }
+  title.size = length;
+  std::memset(reinterpret_cast<uint8_t*>(title.text) + length, 0, 2);
+  return true;
 }
 
 }  // namespace tavi

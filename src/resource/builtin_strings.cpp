@@ -9,6 +9,7 @@
 
 #include "core/internal/text_util.h"
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 #include "tavi/resource/string_resource.h"
 
 namespace tavi {
@@ -81,13 +82,23 @@ class BuiltinStringResource final : public TStringResource {
     buffer.ResetBufferPos();
     return buffer.Add(text);
   }
+
+  bool _Attach(TTitleTextBase& title, int32_t id) override {
+    const char16_t* text = _Get(id);
+    return text != nullptr && title.Set(text, 2 * internal::TextLength(text), true);
+  }
 };
+
+// Constant-initialised, so the library's messages work from the first moment,
+// static initialisers of other code included.
+constinit BuiltinStringResource g_builtin_table;
 
 }  // namespace
 
+constinit TStringResource* XLibStringResource = &g_builtin_table;
+
 TStringResource* XBuiltinStringResource() {
-  static BuiltinStringResource table;
-  return &table;
+  return &g_builtin_table;
 }
 
 }  // namespace tavi

@@ -2,6 +2,7 @@
 #include "tavi/resource/string_resource.h"
 
 #include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
 
 namespace tavi {
 
@@ -13,12 +14,15 @@ bool TStringResource::SetBuffer(XBuffer& buffer, int32_t id) {
   return buffer.Add(kMissingStringText);
 }
 
+bool TStringResource::Attach(TTitleTextBase& title, int32_t id) {
+  if (_Attach(title, id)) return true;
+  return title.Set(kMissingStringText, sizeof kMissingStringText - 2, true);
+}
+
 const char16_t* TStringResource::Get(int32_t id) {
   const char16_t* text = _Get(id);
   return text != nullptr ? text : kMissingStringText;
 }
-
-TStringResource* XLibStringResource = XBuiltinStringResource();
 
 bool XSetLibStringResource(TStringResource* resource) {
   if (resource == nullptr) return false;

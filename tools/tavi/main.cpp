@@ -1,12 +1,57 @@
 //===- main.cpp - The tavi command-line program ----------------------------===//
+//
+// Dispatches to the subcommands; without one it prints the version and the list
+// of subcommands.
+//
+//===----------------------------------------------------------------------===//
 #include <cstdio>
-#include <cstring>
+#include <span>
+#include <string_view>
 
+#include "command.h"
 #include "tavi/tavi.h"
 
-int main(int argc, char** argv) {
-  std::printf("tavi %s\n", tavi::XGetVersionString());
-  (void)argc;
-  (void)argv;
+namespace tavi::cli {
+
+namespace {
+
+constexpr Command kCommands[] = {
+    {"errors", "list the library's error codes with their messages", "tavi errors [CODE...]",
+     RunErrors},
+    {"help", "list the subcommands", "tavi help", RunHelp},
+    {"version", "print the library version", "tavi version", RunVersion},
+};
+
+}  // namespace
+
+std::span<const Command> Commands() {
+  return kCommands;
+}
+
+int RunVersion(std::span<char* const>) {
+  std::printf("tavi %s\n", XGetVersionString());
   return 0;
+}
+
+int RunHelp(std::span<char* const>) {
+  std::printf("tavi %s\n\nusage: tavi <command> [arguments]\n\ncommands:\n", XGetVersionString());
+  for (const Command& c : Commands()) {
+    std::printf("  %-10.*s %.*s\n", static_cast<int>(c.name.size()), c.name.data(),
+                static_cast<int>(c.summary.size()), c.summary.data());
+  }
+  return 0;
+}
+
+}  // namespace tavi::cli
+
+int main(int argc, char** argv) {
+  using namespace tavi::cli;
+  std::span<char* const> args(argv, static_cast<size_t>(argc));
+  if (args.size() < 2) return RunHelp({});
+  const std::string_view name = args[1];
+  for (const Command& c : Commands()) {
+    if (c.name == name) return c.run(args.subspan(2));
+  }
+  std::fprintf(stderr, "tavi: unknown command '%s' (try 'tavi help')\n", argv[1]);
+  return 2;
 }

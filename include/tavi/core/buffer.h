@@ -17,6 +17,7 @@
 namespace tavi {
 
 class TStringResource;
+class TTitleTextBase;
 
 // XBuffer owns a block of memory unless it is attached to one that belongs to
 // somebody else. All sizes and positions are byte counts.
@@ -51,6 +52,9 @@ class TAVI_API XBuffer : public XIO {
   uint32_t _Read(void* data, uint32_t bytes) override;
   bool _UnreadChar(char16_t c) override;
   bool _ShiftForward(uint32_t bytes) override;
+  // ReadTo hands the bytes at the read cursor to target in one write, with no
+  // intermediate block; results and errors are those of XIO::ReadTo.
+  bool ReadTo(XIO& target, uint32_t bytes) override;
 
   // FreeBuffer frees the block unless attached; then block, attached flag, allocated
   // size and both positions become 0.
@@ -178,6 +182,7 @@ class TAVI_API XBuffer : public XIO {
   bool Add(const char16_t* text, uint32_t bytes);
   bool Add(const char16_t* begin, const char16_t* end);
   bool Add(const XBuffer& text);
+  bool Add(const TTitleTextBase& title);
   // Add(texts) appends every text of a null-terminated list of texts.
   bool Add(const char16_t* const* texts);
   // Add(id, resource) appends string id of resource (the library's table when null).
@@ -195,6 +200,7 @@ class TAVI_API XBuffer : public XIO {
   bool Set(const char16_t* text, uint32_t bytes);
   bool Set(const char16_t* begin, const char16_t* end);
   bool Set(const XBuffer& text);
+  bool Set(const TTitleTextBase& title);
   bool Set(const char16_t* const* texts);
   bool Set(int32_t id, TStringResource* resource);
   bool Set(uint32_t id, XModule module);
@@ -289,6 +295,17 @@ class TAVI_API XBuffer : public XIO {
 
   // The shared growth test of the stream writes: room for bytes more data.
   bool GrowForWrite(uint32_t bytes);
+  // Bytes of the block that may be read or written past the data end: an owned block
+  // has 4 spare bytes after its allocation, an attached one the single byte that the
+  // size-minus-one rule leaves.
+  uint32_t _ReadableBytes() const {
+    if (buffer_ == nullptr) return 0;
+    return allocated_ + (attached_ ? 1u : 4u);
+  }
+  // Puts the first bytes of the block on the clipboard in format.
+  bool PutOnClipboard(XWindow owner, uint32_t format, uint32_t bytes, bool empty_first);
+  // The control of a dialog item; null with the platform error set when none.
+  XWindow DialogItem(XWindow dialog, int32_t item);
   // Lowers the read cursor to the data end when it lies beyond.
   void ClampCurrentPos() {
     if (current_pos_ > buffer_pos_) current_pos_ = buffer_pos_;

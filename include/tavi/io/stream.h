@@ -15,6 +15,7 @@ namespace tavi {
 
 class XString16;
 class XString8;
+class TTitleTextBase;
 
 // XIO is the abstract byte stream. Concrete streams override the primitive slots
 // (_Write, _Read, _UnreadChar, and _ShiftForward where they can skip); the transfer
@@ -99,6 +100,14 @@ class TAVI_API XIO : public XError {
   // 0x20000004 without allocating that length first.
   bool Read(XString16& text);
   bool Read(XString8& text);
+  // Write(TTitleText&) writes the title's byte length as a 4-byte little-endian number,
+  // then its bytes (the layout of Write(XString16&)).
+  bool Write(const TTitleTextBase& title);
+  // Read(TTitleText&) reads that layout into title as an owned, terminated text. A short
+  // length sets 0x20000004 when no error is pending; a short text sets 0x20000004;
+  // memory failure sets 0x20000001. A length larger than the data that follows is
+  // refused without allocating that length first (the text grows as data arrives).
+  bool Read(TTitleTextBase& title);
 
  private:
   void* data_ = nullptr;

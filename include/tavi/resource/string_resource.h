@@ -15,6 +15,7 @@ namespace tavi {
 
 class XIO;
 class XBuffer;
+class TTitleTextBase;
 
 // TStringResource maps string IDs to UTF-16 texts. The underscore forms report a
 // missing ID (null or false); the others fall back to a visible placeholder.
@@ -32,6 +33,11 @@ class TAVI_API TStringResource {
   virtual bool _SetBuffer(XBuffer& buffer, int32_t id) = 0;
   // SetBuffer is _SetBuffer, with "???" as the content when id is missing.
   virtual bool SetBuffer(XBuffer& buffer, int32_t id);
+  // _Attach points title at the text of id without copying (an owned text of the title
+  // is freed first; the title becomes attached); false, title unchanged, when missing.
+  virtual bool _Attach(TTitleTextBase& title, int32_t id) = 0;
+  // Attach is _Attach, with title attached to "???" when id is missing.
+  virtual bool Attach(TTitleTextBase& title, int32_t id);
 
   virtual ~TStringResource();
 

@@ -1,0 +1,1 @@
+tavi_add_bench(io io_bench.cpp)

@@ -1,0 +1,150 @@
+//===- fake_ui.h - A user-interface table that records what it is asked ---===//
+//
+// Tests install FakeUi to see message boxes, to give windows and edit controls a
+// text, and to hold clipboard data. Window handles are small integers.
+//
+//===----------------------------------------------------------------------===//
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tavi/core/local_memory.h"
+#include "tavi/core/user_interface.h"
+
+namespace tavi::test {
+
+struct MessageBoxCall {
+  std::u16string text;
+  std::u16string caption;
+  uint32_t style;
+};
+
+// The fake's state is process-wide because the table holds plain functions.
+struct FakeUiState {
+  std::vector<MessageBoxCall> boxes;
+  int32_t answer = kIdOk;
+  std::map<uintptr_t, std::u16string> windows;     // window text
+  std::map<uintptr_t, XLocalMemory> edit_handles;  // edit control memory
+  std::map<uint32_t, std::string> clipboard;       // format -> bytes
+  std::map<std::u16string, uint32_t> formats;      // registered names
+  std::vector<uintptr_t> invalidated;
+};
+
+inline FakeUiState& Fake() {
+  static FakeUiState state;
+  return state;
+}
+
+inline XWindow Window(uintptr_t id) {
+  return reinterpret_cast<XWindow>(id);
+}
+inline uintptr_t Id(XWindow w) {
+  return reinterpret_cast<uintptr_t>(w);
+}
+
+inline std::u16string Text(const char16_t* s) {
+  return s ? std::u16string(s) : std::u16string();
+}
+
+inline const XUserInterface& FakeTable() {
+  static const XUserInterface table = {
+      [](XWindow, const char16_t* text, const char16_t* caption, uint32_t style) {
+        Fake().boxes.push_back({Text(text), Text(caption), style});
+        return Fake().answer;
+      },
+      [](XWindow w) -> uint32_t {
+        auto it = Fake().windows.find(Id(w));
+        return it == Fake().windows.end() ? 0u : static_cast<uint32_t>(it->second.size());
+      },
+      [](XWindow w, char16_t* text, uint32_t capacity) -> uint32_t {
+        const std::u16string& s = Fake().windows[Id(w)];
+        uint32_t n =
+            capacity == 0 ? 0 : static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
+        s.copy(text, n);
+        if (capacity) text[n] = 0;
+        return n;
+      },
+      [](XWindow w, const char16_t* text) {
+        if (!Fake().windows.count(Id(w))) {
+          XSetLastError(1400);
+          return false;
+        }
+        Fake().windows[Id(w)] = Text(text);
+        return true;
+      },
+      [](XWindow dialog, int32_t item) { return Window(Id(dialog) * 100 + item); },
+      [](XWindow w) { return Fake().windows.count(Id(w)) != 0; },
+      [](XWindow w, bool) {
+        Fake().invalidated.push_back(Id(w));
+        return true;
+      },
+      [](XWindow w) {
+        auto it = Fake().edit_handles.find(Id(w));
+        return it == Fake().edit_handles.end() ? XLocalMemory{} : it->second;
+      },
+      [](XWindow w, XLocalMemory h) {
+        Fake().edit_handles[Id(w)] = h;
+        return true;
+      },
+      [](XWindow, uint32_t format, const void* data, uint32_t bytes, bool empty_first) {
+        if (empty_first) Fake().clipboard.clear();
+        Fake().clipboard[format] = std::string(static_cast<const char*>(data), bytes);
+        return true;
+      },
+      [](XWindow, uint32_t format, void (*sink)(void*, const void*, uint32_t), void* context) {
+        auto it = Fake().clipboard.find(format);
+        if (it == Fake().clipboard.end()) {
+          XSetLastError(1168);
+          return false;
+        }
+        sink(context, it->second.data(), static_cast<uint32_t>(it->second.size()));
+        return true;
+      },
+      [](uint32_t format) { return Fake().clipboard.count(format) != 0; },
+      [](const char16_t* name) {
+        auto& f = Fake().formats;
+        auto it = f.find(Text(name));
+        if (it != f.end()) return it->second;
+        const uint32_t id = 0xC000u + static_cast<uint32_t>(f.size());
+        f[Text(name)] = id;
+        return id;
+      },
+      [](uint32_t format, char16_t* name, uint32_t capacity) -> uint32_t {
+        for (const auto& [n, id] : Fake().formats) {
+          if (id == format && n.size() < capacity) {
+            n.copy(name, n.size());
+            name[n.size()] = 0;
+            return static_cast<uint32_t>(n.size());
+          }
+        }
+        XSetLastError(87);
+        return 0;
+      },
+  };
+  return table;
+}
+
+// Installs the fake for the lifetime of the object, starting from a clean state.
+class ScopedFakeUi {
+ public:
+  ScopedFakeUi() {
+    for (auto& [w, h] : Fake().edit_handles) XLocalFree(h);
+    Fake() = FakeUiState{};
+    previous_ = XSetUserInterface(&FakeTable());
+  }
+  ~ScopedFakeUi() {
+    XSetUserInterface(previous_);
+    for (auto& [w, h] : Fake().edit_handles) XLocalFree(h);
+    Fake().edit_handles.clear();
+  }
+  ScopedFakeUi(const ScopedFakeUi&) = delete;
+  ScopedFakeUi& operator=(const ScopedFakeUi&) = delete;
+
+ private:
+  const XUserInterface* previous_;
+};
+
+}  // namespace tavi::test
