@@ -148,6 +148,11 @@ void ProgressStart(strProgress& progress, const char16_t* title, uint32_t titleL
   StartLocked(progress, total, options);
 }
 
+void ProgressStart(strProgress& progress, const TTitleTextBase& title, uint64_t total,
+                   strProgressOptions& options) {
+  ProgressStart(progress, title.text, title.Len(), total, options);
+}
+
 void ProgressStart(strProgress& progress, uint32_t titleId, uint64_t total,
                    strProgressOptions& options, XModule) {
   std::lock_guard<std::mutex> lock(ProgressMutex());

@@ -31,6 +31,9 @@ Title TextTitle(const char16_t* text, uint32_t length) {
   // A null text is an empty title (the ID form is never chosen by a text).
   return Title{text != nullptr ? text : u"", text != nullptr ? length : 0, 0};
 }
+Title TextTitle(const TTitleTextBase& title) {
+  return TextTitle(title.text, title.Len());
+}
 Title IdTitle(uint32_t id) {
   return Title{nullptr, 0, id};
 }
@@ -114,6 +117,20 @@ bool XMake(uint32_t titleId, XItemFunc3 fn, void* context1, void* context2, void
                           options);
 }
 
+bool XMake(const TTitleTextBase& title, XItemFunc1 fn, void* const* items, uint32_t count,
+           strProgressOptions& options) {
+  return MakeWithProgress(TextTitle(title), Bound1<void>{fn}, items, count, options);
+}
+bool XMake(const TTitleTextBase& title, XItemFunc2 fn, void* context, void* const* items,
+           uint32_t count, strProgressOptions& options) {
+  return MakeWithProgress(TextTitle(title), Bound2<void>{fn, context}, items, count, options);
+}
+bool XMake(const TTitleTextBase& title, XItemFunc3 fn, void* context1, void* context2,
+           void* const* items, uint32_t count, strProgressOptions& options) {
+  return MakeWithProgress(TextTitle(title), Bound3<void>{fn, context1, context2}, items, count,
+                          options);
+}
+
 bool XMakeMT(const char16_t* title, uint32_t titleLen, XItemFunc1 fn, void* const* items,
              uint32_t count, strProgressOptions& options) {
   return MakeWithProgressThreaded(TextTitle(title, titleLen), Bound1<void>{fn}, items, count,
@@ -141,6 +158,21 @@ bool XMakeMT(uint32_t titleId, XItemFunc2 fn, void* context, void* const* items,
 bool XMakeMT(uint32_t titleId, XItemFunc3 fn, void* context1, void* context2, void* const* items,
              uint32_t count, strProgressOptions& options, XModule) {
   return MakeWithProgressThreaded(IdTitle(titleId), Bound3<void>{fn, context1, context2}, items,
+                                  count, options);
+}
+
+bool XMakeMT(const TTitleTextBase& title, XItemFunc1 fn, void* const* items, uint32_t count,
+             strProgressOptions& options) {
+  return MakeWithProgressThreaded(TextTitle(title), Bound1<void>{fn}, items, count, options);
+}
+bool XMakeMT(const TTitleTextBase& title, XItemFunc2 fn, void* context, void* const* items,
+             uint32_t count, strProgressOptions& options) {
+  return MakeWithProgressThreaded(TextTitle(title), Bound2<void>{fn, context}, items, count,
+                                  options);
+}
+bool XMakeMT(const TTitleTextBase& title, XItemFunc3 fn, void* context1, void* context2,
+             void* const* items, uint32_t count, strProgressOptions& options) {
+  return MakeWithProgressThreaded(TextTitle(title), Bound3<void>{fn, context1, context2}, items,
                                   count, options);
 }
 

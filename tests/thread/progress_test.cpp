@@ -219,7 +219,7 @@ TEST_F(ProgressTest, NestedRecordsDrawInnermostOnly) {
   ProgressEnd(outer);
 }
 
-TEST_F(ProgressTest, TitleFromTheLibraryStringTable) {
+TEST_F(ProgressTest, TitleFromTheStringTableOrATitleText) {
   strProgressOptions options;
   options.window = window_;
   strProgress p;
@@ -227,7 +227,12 @@ TEST_F(ProgressTest, TitleFromTheLibraryStringTable) {
   ProgressEnd(p);
   ProgressStart(p, 1, kProgressTotalUnknown, options, nullptr);
   ProgressEnd(p);
-  EXPECT_EQ(TitlesOf(window_), (Titles{u"Error 0", u"Error done", u"??? 0", u"??? done"}));
+  TTitleText title;  // a title text need not be terminated
+  ASSERT_TRUE(title.Set(u"Named!", 10, false));
+  ProgressStart(p, title, kProgressTotalUnknown, options);
+  ProgressEnd(p);
+  EXPECT_EQ(TitlesOf(window_),
+            (Titles{u"Error 0", u"Error done", u"??? 0", u"??? done", u"Named 0", u"Named done"}));
 }
 
 struct Counter {
@@ -325,7 +330,11 @@ TEST_F(ProgressTest, TitledFormsOfEveryArity) {
   EXPECT_TRUE(XMakeMT(u"a", 1, add2, &two, items.data(), 50, options));
   EXPECT_TRUE(XMakeMT(500000101u, add1, items.data(), 50, options, nullptr));
   EXPECT_TRUE(XMakeMT(500000101u, add3, &one, &two, items.data(), 50, options, nullptr));
-  for (int v : values) EXPECT_EQ(v, 10);
+  TTitleText title;
+  ASSERT_TRUE(title.Set(u"Titled", 12, false));
+  EXPECT_TRUE(XMake(title, add2, &two, items.data(), 50, options));
+  EXPECT_TRUE(XMakeMT(title, add3, &one, &two, items.data(), 50, options));
+  for (int v : values) EXPECT_EQ(v, 14);
   XSetWorkerCount(old);
 }
 

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 
+#include "tavi/core/title_text.h"
 #include "tavi/core/types.h"
 #include "tavi/export.h"
 #include "tavi/thread/progress.h"
@@ -103,7 +104,8 @@ TAVI_API void* XEnumMT(XItemPred3 pred, void* context1, void* context2, void* co
 // --- Forms with progress ------------------------------------------------------
 //
 // The titled forms run fn over the items with a progress record titled by
-// `title` (titleLen code units) or by the string `titleId` (see ProgressStart),
+// `title` (titleLen code units), by a title text, or by the string `titleId`
+// (see ProgressStart),
 // counting one unit per item; they stop early when the options' cancel flag is
 // set and return ProgressEnd's result: true unless cancelled. A count of 0
 // returns true without touching the options. The sequential forms call
@@ -128,6 +130,13 @@ TAVI_API bool XMake(uint32_t titleId, XItemFunc3 fn, void* context1, void* conte
                     void* const* items, uint32_t count, strProgressOptions& options,
                     XModule module);
 
+TAVI_API bool XMake(const TTitleTextBase& title, XItemFunc1 fn, void* const* items, uint32_t count,
+                    strProgressOptions& options);
+TAVI_API bool XMake(const TTitleTextBase& title, XItemFunc2 fn, void* context, void* const* items,
+                    uint32_t count, strProgressOptions& options);
+TAVI_API bool XMake(const TTitleTextBase& title, XItemFunc3 fn, void* context1, void* context2,
+                    void* const* items, uint32_t count, strProgressOptions& options);
+
 TAVI_API bool XMakeMT(const char16_t* title, uint32_t titleLen, XItemFunc1 fn, void* const* items,
                       uint32_t count, strProgressOptions& options);
 TAVI_API bool XMakeMT(const char16_t* title, uint32_t titleLen, XItemFunc2 fn, void* context,
@@ -142,5 +151,12 @@ TAVI_API bool XMakeMT(uint32_t titleId, XItemFunc2 fn, void* context, void* cons
 TAVI_API bool XMakeMT(uint32_t titleId, XItemFunc3 fn, void* context1, void* context2,
                       void* const* items, uint32_t count, strProgressOptions& options,
                       XModule module);
+
+TAVI_API bool XMakeMT(const TTitleTextBase& title, XItemFunc1 fn, void* const* items,
+                      uint32_t count, strProgressOptions& options);
+TAVI_API bool XMakeMT(const TTitleTextBase& title, XItemFunc2 fn, void* context, void* const* items,
+                      uint32_t count, strProgressOptions& options);
+TAVI_API bool XMakeMT(const TTitleTextBase& title, XItemFunc3 fn, void* context1, void* context2,
+                      void* const* items, uint32_t count, strProgressOptions& options);
 
 }  // namespace tavi

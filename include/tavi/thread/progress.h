@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "tavi/core/string.h"
+#include "tavi/core/title_text.h"
 #include "tavi/core/types.h"
 #include "tavi/export.h"
 
@@ -64,11 +65,13 @@ struct TAVI_API strProgress {
 // not known): clears the options' cancel flag, takes the title (titleLen code
 // units; a space is added after it), resets the counts, and makes the record the
 // innermost of the options' chain. With an unknown total the title is shown at
-// once. The ID form takes the title from the library's string table
-// (XLibStringResource; "???" when the ID is missing): modules carry no string
-// tables on this platform, so `module` selects nothing.
+// once. The title-text form takes the title's text. The ID form takes the title from the library's
+// string table (XLibStringResource; "???" when the ID is missing): modules carry no string tables
+// on this platform, so `module` selects nothing.
 TAVI_API void ProgressStart(strProgress& progress, const char16_t* title, uint32_t titleLen,
                             uint64_t total, strProgressOptions& options);
+TAVI_API void ProgressStart(strProgress& progress, const TTitleTextBase& title, uint64_t total,
+                            strProgressOptions& options);
 TAVI_API void ProgressStart(strProgress& progress, uint32_t titleId, uint64_t total,
                             strProgressOptions& options, XModule module);
 
