@@ -175,41 +175,34 @@ TEST(BitStream, AgreesWithBitByBitReference) {
     Reference rd;
     rd.in = ref.out;
     XBitStream reader(&buffer);
-    for (bool ok = true; ok;) {
+    for (;;) {
       const auto count = static_cast<uint32_t>(rng() % 66);
+      bool ok = true, got_ok, bit = false;
+      uint64_t got = 0, expect = 0;
+      uint8_t byte = 0, expect_byte = 0;
       switch (rng() % 3) {
-        case 0: {
-          uint64_t v, expect = 0;
-          bool bit = false;
+        case 0:
           for (uint32_t b = 0; b < count && ok; ++b) {
             ok = rd.GetBit(bit);
             if (ok && bit && b < 64) expect |= uint64_t{1} << b;
           }
-          ASSERT_EQ(reader.GetBits(v, count), ok);
-          if (ok) {
-            EXPECT_EQ(v, expect);
-          }
+          got_ok = reader.GetBits(got, count);
           break;
-        }
-        case 1: {
-          bool bit, expect;
-          ok = rd.GetBit(expect);
-          ASSERT_EQ(reader.GetBit(bit), ok);
-          if (ok) {
-            EXPECT_EQ(bit, expect);
-          }
+        case 1:
+          ok = rd.GetBit(bit);
+          expect = bit;
+          got_ok = reader.GetBit(bit);
+          got = bit;
           break;
-        }
-        default: {
-          uint8_t b, expect;
-          ok = rd.ReadByte(expect);
-          ASSERT_EQ(reader.GetByte(b), ok);
-          if (ok) {
-            EXPECT_EQ(b, expect);
-          }
-        }
+        default:
+          ok = rd.ReadByte(expect_byte);
+          expect = expect_byte;
+          got_ok = reader.GetByte(byte);
+          got = byte;
       }
+      ASSERT_EQ(got_ok, ok);
       if (!ok) break;
+      EXPECT_EQ(got, expect);
       ExpectSameState(reader, rd);
       ASSERT_EQ(buffer.GetCurrentPos(), rd.pos) << "never reads ahead";
     }

@@ -208,6 +208,9 @@ TEST(PackNumber, ThirtyTwoBitFormsRefuseLongerValues) {
   Source source(bytes);
   uint32_t v;
   EXPECT_EQ(test::Fail(_ReadPackNumber32(source, v), source), kErrEndOfData);
+  Source signed_source(bytes);
+  int32_t s;
+  EXPECT_EQ(test::Fail(_ReadPackNumber32(signed_source, s), signed_source), kErrEndOfData);
   uint64_t wide;
   GetPackNumber32(wide, bytes.data(), nullptr);
   EXPECT_EQ(wide, 0x0504030201u);
