@@ -1,11 +1,13 @@
 //===- fake_ui.h - A user-interface table that records what it is asked ---===//
 //
 // Tests install FakeUi to see message boxes, to give windows and edit controls a
-// text, and to hold clipboard data. Window handles are small integers.
+// text, and to hold clipboard data. Window handles are small integers; item i of
+// dialog d is window d * 100 + i.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -17,8 +19,7 @@
 namespace tavi::test {
 
 struct MessageBoxCall {
-  std::u16string text;
-  std::u16string caption;
+  std::u16string text, caption;
   uint32_t style;
 };
 
@@ -44,7 +45,6 @@ inline XWindow Window(uintptr_t id) {
 inline uintptr_t Id(XWindow w) {
   return reinterpret_cast<uintptr_t>(w);
 }
-
 inline std::u16string Text(const char16_t* s) {
   return s ? std::u16string(s) : std::u16string();
 }
@@ -56,23 +56,20 @@ inline const XUserInterface& FakeTable() {
         return Fake().answer;
       },
       [](XWindow w) -> uint32_t {
-        auto it = Fake().windows.find(Id(w));
-        return it == Fake().windows.end() ? 0u : static_cast<uint32_t>(it->second.size());
+        return Fake().windows.count(Id(w)) ? static_cast<uint32_t>(Fake().windows[Id(w)].size())
+                                           : 0u;
       },
       [](XWindow w, char16_t* text, uint32_t capacity) -> uint32_t {
         const std::u16string& s = Fake().windows[Id(w)];
-        uint32_t n =
-            capacity == 0 ? 0 : static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
-        s.copy(text, n);
-        if (capacity) text[n] = 0;
+        if (capacity == 0) return 0;
+        const auto n = static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
+        text[s.copy(text, n)] = 0;
         return n;
       },
       [](XWindow w, const char16_t* text) {
-        if (!Fake().windows.count(Id(w))) {
-          XSetLastError(1400);
-          return false;
-        }
-        Fake().windows[Id(w)] = Text(text);
+        auto it = Fake().windows.find(Id(w));
+        if (it == Fake().windows.end()) return XSetLastError(1400), false;
+        it->second = Text(text);
         return true;
       },
       [](XWindow dialog, int32_t item) { return Window(Id(dialog) * 100 + item); },
@@ -82,13 +79,9 @@ inline const XUserInterface& FakeTable() {
         return true;
       },
       [](XWindow w) {
-        auto it = Fake().edit_handles.find(Id(w));
-        return it == Fake().edit_handles.end() ? XLocalMemory{} : it->second;
+        return Fake().edit_handles.count(Id(w)) ? Fake().edit_handles[Id(w)] : XLocalMemory{};
       },
-      [](XWindow w, XLocalMemory h) {
-        Fake().edit_handles[Id(w)] = h;
-        return true;
-      },
+      [](XWindow w, XLocalMemory h) { return Fake().edit_handles[Id(w)] = h, true; },
       [](XWindow, uint32_t format, const void* data, uint32_t bytes, bool empty_first) {
         if (empty_first) Fake().clipboard.clear();
         Fake().clipboard[format] = std::string(static_cast<const char*>(data), bytes);
@@ -96,27 +89,19 @@ inline const XUserInterface& FakeTable() {
       },
       [](XWindow, uint32_t format, void (*sink)(void*, const void*, uint32_t), void* context) {
         auto it = Fake().clipboard.find(format);
-        if (it == Fake().clipboard.end()) {
-          XSetLastError(1168);
-          return false;
-        }
+        if (it == Fake().clipboard.end()) return XSetLastError(1168), false;
         sink(context, it->second.data(), static_cast<uint32_t>(it->second.size()));
         return true;
       },
       [](uint32_t format) { return Fake().clipboard.count(format) != 0; },
       [](const char16_t* name) {
         auto& f = Fake().formats;
-        auto it = f.find(Text(name));
-        if (it != f.end()) return it->second;
-        const uint32_t id = 0xC000u + static_cast<uint32_t>(f.size());
-        f[Text(name)] = id;
-        return id;
+        return f.emplace(Text(name), 0xC000u + static_cast<uint32_t>(f.size())).first->second;
       },
       [](uint32_t format, char16_t* name, uint32_t capacity) -> uint32_t {
         for (const auto& [n, id] : Fake().formats) {
           if (id == format && n.size() < capacity) {
-            n.copy(name, n.size());
-            name[n.size()] = 0;
+            name[n.copy(name, n.size())] = 0;
             return static_cast<uint32_t>(n.size());
           }
         }
@@ -130,20 +115,17 @@ inline const XUserInterface& FakeTable() {
 // Installs the fake for the lifetime of the object, starting from a clean state.
 class ScopedFakeUi {
  public:
-  ScopedFakeUi() {
-    for (auto& [w, h] : Fake().edit_handles) XLocalFree(h);
-    Fake() = FakeUiState{};
-    previous_ = XSetUserInterface(&FakeTable());
-  }
+  ScopedFakeUi() : previous_(XSetUserInterface(&FakeTable())) { Clear(); }
   ~ScopedFakeUi() {
     XSetUserInterface(previous_);
-    for (auto& [w, h] : Fake().edit_handles) XLocalFree(h);
-    Fake().edit_handles.clear();
+    Clear();
   }
-  ScopedFakeUi(const ScopedFakeUi&) = delete;
-  ScopedFakeUi& operator=(const ScopedFakeUi&) = delete;
 
  private:
+  static void Clear() {
+    for (auto& [w, h] : Fake().edit_handles) XLocalFree(h);
+    Fake() = FakeUiState{};
+  }
   const XUserInterface* previous_;
 };
 
