@@ -118,8 +118,9 @@ void XBuffer::TakeBlock(void* block, uint32_t size, bool full, bool attached) {
   buffer_ = static_cast<uint8_t*>(block);
   attached_ = attached ? 1 : 0;
   // One less than the bytes given, while the data end is the full count: the
-  // terminator of a text of size bytes then still lies inside the block.
-  allocated_ = size - 1;
+  // terminator of a text of size bytes then still lies inside the block. A block of
+  // no bytes has no usable byte either.
+  allocated_ = size != 0 ? size - 1 : 0;
   buffer_pos_ = full ? size : 0;
   current_pos_ = 0;
 }

@@ -209,8 +209,12 @@ const char16_t* XBuffer::Set(const char16_t* text, char16_t separator) {
 // --- Editing in place ----------------------------------------------------------
 
 bool XBuffer::SetContent(const std::u16string& units) {
+  // Make sure the new text and its terminator fit before the old text is given up:
+  // an attached block that cannot hold the result keeps its text.
+  const uint32_t bytes = static_cast<uint32_t>(units.size() * 2);
+  if (!AllocBuffer(bytes) || static_cast<uint64_t>(bytes) + 2 > _ReadableBytes()) return false;
   buffer_pos_ = 0;
-  const bool ok = Add(units.data(), static_cast<uint32_t>(units.size() * 2));
+  const bool ok = Add(units.data(), bytes);
   ClampCurrentPos();
   return ok;
 }
@@ -298,8 +302,7 @@ uint32_t XBuffer::ReplaceImpl(const char16_t* from, uint32_t from_len, const cha
                 if (to != nullptr) out.append(to, to_len);
                 return from_len;
               });
-  if (replaced != 0) SetContent(result);
-  return replaced;
+  return replaced != 0 && SetContent(result) ? replaced : 0;
 }
 
 uint32_t XBuffer::RemoveMultiChars(char16_t c) {
@@ -310,8 +313,7 @@ uint32_t XBuffer::RemoveMultiChars(char16_t c) {
       Rewrite(units, count, result, false, 0, 0, [&](uint32_t i, std::u16string&) -> uint32_t {
         return i > 0 && units[i] == c && units[i - 1] == c ? 1 : 0;
       });
-  if (removed != 0) SetContent(result);
-  return removed;
+  return removed != 0 && SetContent(result) ? removed : 0;
 }
 
 uint32_t XBuffer::RemoveChar(char16_t c) {

@@ -68,10 +68,18 @@ bool WLocalBuffer::ShareTextHandle(XWindow edit, eShareTextHandle mode) {
   }
   // A control's block holds its text and terminator; make sure the spare bytes that
   // every owned block has are there too, whatever the host gave.
-  if (XLocalSize(handle) < bytes + kSpareBytes &&
-      XLocalReAlloc(handle, bytes + kSpareBytes, kLocalMoveable | kLocalZeroInit) == nullptr) {
-    SetWinLastError();
-    return false;
+  if (XLocalSize(handle) < bytes + kSpareBytes) {
+    XLocalMemory grown =
+        XLocalReAlloc(handle, bytes + kSpareBytes, kLocalMoveable | kLocalZeroInit);
+    if (grown == nullptr) {
+      SetWinLastError();
+      return false;
+    }
+    if (grown != handle && !UI(&XUserInterface::edit_set_handle)(edit, grown)) {
+      SetWinLastError();
+      return false;
+    }
+    handle = grown;
   }
   void* block = XLocalLock(handle);
   if (block == nullptr) {

@@ -16,6 +16,8 @@ namespace {
 
 // Size of the stack area used by the chunked transfers.
 constexpr uint32_t kTransferChunk = 1024;
+// Largest heap block of ReadTo.
+constexpr uint32_t kReadToBlockLimit = 16u << 20;
 // Largest piece of the 64-bit forms.
 constexpr uint64_t kMaxPiece = 0xFFFFFFFFu;
 // Read step of Read(XString16&) for lengths the stream may not hold: the string grows
@@ -79,22 +81,30 @@ uint32_t XIO::ReadAllTo(XIO& target) {
   return total;
 }
 
-bool XIO::ReadThruBfr(XIO& target, uint32_t bytes) {
-  uint8_t chunk[kTransferChunk];
+// Copies exactly bytes to target through area, a piece of area_size at a time. A
+// short read is this stream's end of data (the target is told); a failed write is
+// the target's error (this stream takes it).
+static bool CopyThrough(XIO& source, XIO& target, uint32_t bytes, uint8_t* area,
+                        uint32_t area_size) {
   while (bytes != 0) {
-    const uint32_t n = bytes < kTransferChunk ? bytes : kTransferChunk;
-    if (_Read(chunk, n) != n) {
-      SetSafeErrorCode(kErrEndOfData);
-      target.ImportErrorCode(*this);
+    const uint32_t n = bytes < area_size ? bytes : area_size;
+    if (source._Read(area, n) != n) {
+      source.SetSafeErrorCode(kErrEndOfData);
+      target.ImportErrorCode(source);
       return false;
     }
-    if (!target._Write(chunk, n)) {
-      ImportErrorCode(target);
+    if (!target._Write(area, n)) {
+      source.ImportErrorCode(target);
       return false;
     }
     bytes -= n;
   }
   return true;
+}
+
+bool XIO::ReadThruBfr(XIO& target, uint32_t bytes) {
+  uint8_t chunk[kTransferChunk];
+  return CopyThrough(*this, target, bytes, chunk, kTransferChunk);
 }
 
 bool XIO::ReadThruBfr64(XIO& target, uint64_t bytes) {
@@ -106,17 +116,13 @@ bool XIO::ReadThruBfr64(XIO& target, uint64_t bytes) {
 
 bool XIO::ReadTo(XIO& target, uint32_t bytes) {
   if (bytes == 0) return true;
-  void* block = std::malloc(bytes);
+  // One block of the whole count gives one read and one write. A count beyond
+  // kReadToBlockLimit (which may come from untrusted data) is not allocated at once:
+  // it moves through a block of that limit instead.
+  const uint32_t size = bytes <= kReadToBlockLimit ? bytes : kReadToBlockLimit;
+  auto* block = static_cast<uint8_t*>(std::malloc(size));
   if (block == nullptr) return ReadThruBfr(target, bytes);
-  bool ok = false;
-  if (_Read(block, bytes) != bytes) {
-    SetSafeErrorCode(kErrEndOfData);
-    target.ImportErrorCode(*this);
-  } else if (!target._Write(block, bytes)) {
-    ImportErrorCode(target);
-  } else {
-    ok = true;
-  }
+  const bool ok = CopyThrough(*this, target, bytes, block, size);
   std::free(block);
   return ok;
 }
@@ -252,22 +258,29 @@ bool XIO::Read(TTitleTextBase& title) {
   }
   // Large lengths are not trusted: the text grows step by step (AllocBuffer keeps the
   // content) as the data actually arrives.
+  // What arrived before a failure stays, as a terminated text of whole code units.
   uint32_t done = 0;
+  auto finish = [&](uint32_t size) {
+    if (title.text == nullptr) return;
+    title.size = size;
+    std::memset(reinterpret_cast<uint8_t*>(title.text) + size, 0, 2);
+  };
   while (done < length) {
     const uint32_t step = length - done < kStringReadStep ? length - done : kStringReadStep;
     if (!title.AllocBuffer(done + step)) {
+      finish(done & ~1u);
       SetErrorCode(kErrNoMemory);
       return false;
     }
     const uint32_t n = _Read(reinterpret_cast<uint8_t*>(title.text) + done, step);
     done += n;
     if (n != step) {
+      finish(done & ~1u);
       SetErrorCode(kErrEndOfData);
       return false;
     }
   }
-  title.size = length;
-  std::memset(reinterpret_cast<uint8_t*>(title.text) + length, 0, 2);
+  finish(length);
   return true;
 }
 

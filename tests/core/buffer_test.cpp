@@ -109,6 +109,11 @@ TEST(BufferAttach, SizeMinusOneAndNoGrowth) {
   EXPECT_FALSE(half._Write("j", 1));
   half.FreeBuffer();  // attached: not freed (asan checks)
   EXPECT_EQ(block[0], 'a');
+
+  XBuffer none;
+  none.AttachBuffer(block, 0, false);
+  EXPECT_EQ(StateOf(none), State(0, 0, 0)) << "a block of no bytes has no usable byte";
+  EXPECT_FALSE(none.AllocBuffer(1));
 }
 
 TEST(BufferAttach, AssumeTakesOwnership) {

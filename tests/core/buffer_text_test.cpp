@@ -93,6 +93,11 @@ TEST(BufferText, Replacements) {
   EXPECT_EQ(After(s.ReplaceStringToChar(u"three", 10, u'3'), s), Edit(2, u"3 two 3"));
   EXPECT_EQ(After(s.ReplaceStringIC(u"TWO", 6, u"", 0), s), Edit(1, u"3  3"));
   EXPECT_EQ(s.ReplaceString(u"", 0, u"x", 2), 0u);
+  // A fixed block that cannot hold the longer result keeps its text.
+  char16_t fixed[5] = u"3  3";
+  XBuffer f;
+  f.AttachBuffer(fixed, 8, true);
+  EXPECT_EQ(After(f.ReplaceString(u"3", 2, u"33", 4), f), Edit(0, u"3  3"));
   XBuffer soft = Text(u"wrapped\r\r\nline\r\nend");
   EXPECT_EQ(After(soft.ReplaceSoftReturns(), soft), Edit(1, u"wrappedline\r\nend"));
 

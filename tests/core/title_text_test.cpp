@@ -237,7 +237,12 @@ TEST(TitleText, StreamRoundTrip) {
     if (c.pending != 0) source.SetErrorCode(c.pending);
     EXPECT_FALSE(source.Read(in));
     EXPECT_EQ(source.GetErrorCode(), c.error);
+    // What arrived stays as a terminated text of whole code units.
+    if (in.text != nullptr) {
+      EXPECT_EQ(in.text[in.size / 2], 0);
+    }
   }
+  EXPECT_EQ(in.size, 100u);
 }
 
 TEST(TitleText, BufferAddAndSet) {

@@ -208,7 +208,8 @@ class TAVI_API XBuffer : public XIO {
 
   // Editing in place. Each returns how many characters or strings it replaced or
   // removed, keeps the terminator after the data and lowers the read cursor when the
-  // data end passes it. Lengths of search and replacement texts are in bytes.
+  // data end passes it. A result that an attached block cannot hold leaves the text
+  // unchanged and returns 0. Lengths of search and replacement texts are in bytes.
   uint32_t RemoveMultiChars(char16_t c);  // runs of c become one c
   uint32_t RemoveChar(char16_t c);        // every c goes
   uint32_t ReplaceChar(char16_t from, char16_t to);

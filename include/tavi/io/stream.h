@@ -56,8 +56,9 @@ class TAVI_API XIO : public XError {
   virtual bool ReadThruBfr(XIO& target, uint32_t bytes);
   // ReadThruBfr64 is ReadThruBfr for counts beyond 32 bits (pieces of 2^32-1 bytes).
   virtual bool ReadThruBfr64(XIO& target, uint64_t bytes);
-  // ReadTo copies exactly bytes in one read and one write through a heap block; when
-  // the block cannot be had it falls back to ReadThruBfr.
+  // ReadTo copies exactly bytes in one read and one write through a heap block (counts
+  // beyond 16 MiB move in pieces of that size, so an untrusted count is never
+  // allocated at once); when the block cannot be had it falls back to ReadThruBfr.
   virtual bool ReadTo(XIO& target, uint32_t bytes);
   // ReadTo64 is ReadTo for counts beyond 32 bits (pieces of 2^32-1 bytes).
   virtual bool ReadTo64(XIO& target, uint64_t bytes);
