@@ -149,9 +149,9 @@ TEST(Aes256Stream, EncryptAndDecrypt) {
 }
 
 // Size 0 does nothing and a negative size is refused with 0x20000014 in out; a failed write
-// stops at once with the cause in out.
+// stops at once (no tail written after it) with the cause in out.
 TEST(Aes256Stream, SizesAndWriteFailures) {
-  const Bytes data = RandomBytes(40000, 15);
+  const Bytes data = RandomBytes(40005, 15);
   for (bool encrypt : {true, false}) {
     SCOPED_TRACE(encrypt);
     test::Source in(data);
@@ -166,7 +166,7 @@ TEST(Aes256Stream, SizesAndWriteFailures) {
     EXPECT_EQ(out.writes + in.reads, 0);
     test::Sink full;
     full.fail_at = 2;
-    EXPECT_FALSE(run(full, 40000));
+    EXPECT_FALSE(run(full, 40005));
     EXPECT_EQ(full.GetErrorCode(), kErrTooLong);
     EXPECT_EQ(full.writes, 2);
   }
@@ -198,8 +198,8 @@ TEST(CipherAES256, RoundTripOverSplitPoints) {
       writer.Init(u"split");
       crypt_test::WriteInPieces(writer, plain, piece);
       EXPECT_EQ(target.bytes.size(), size / 16 * 16);
-      EXPECT_EQ(writer.GetBufferedCount(), size % 16);
       ASSERT_TRUE(writer._Flush());
+      EXPECT_EQ(writer.GetBufferedCount(), size % 16);  // _Flush does not empty the buffer
       ASSERT_EQ(target.bytes, expected);
 
       test::Source source(target.bytes);
@@ -233,7 +233,7 @@ TEST(CipherAES256, StreamEndingInsideABlock) {
 }
 
 // The state record goes out enciphered without changing the buffered count, and reads back
-// as one block.
+// as one block; a missing record fails like a short read of the filter.
 TEST(CipherAES256, StateRecords) {
   test::Sink target;
   XCipherAES256 writer(&target);
@@ -254,6 +254,10 @@ TEST(CipherAES256, StateRecords) {
   EXPECT_EQ(0, std::memcmp(second.bytes, "xyz", 3));
   EXPECT_FALSE(reader.ReadAndDecryptState(&second));
   EXPECT_EQ(reader.GetErrorCode(), kErrEndOfData);
+  crypt_test::DrySource dry(Bytes{});
+  XCipherAES256 dry_reader(&dry);
+  EXPECT_FALSE(dry_reader.ReadAndDecryptState(&second));
+  EXPECT_EQ(dry_reader.GetErrorCode(), 5u);
 }
 
 // A failed write, of whole blocks or of the partial block at _Flush, imports the cause.
