@@ -34,7 +34,7 @@ std::vector<uint8_t> Reference(const uint32_t (&init)[8], const uint8_t* data, s
   SHA256_Init(&ctx);
   std::memcpy(ctx.h, init, sizeof(ctx.h));
   for (size_t at = 0; at < msg.size(); at += 64) {
-    for (size_t w = at; w < at + 64; w += 4) std::reverse(&msg[w], &msg[w + 4]);
+    for (size_t w = at; w < at + 64; w += 4) std::reverse(msg.begin() + w, msg.begin() + w + 4);
     SHA256_Transform(&ctx, &msg[at]);
   }
   std::vector<uint8_t> digest(32);
