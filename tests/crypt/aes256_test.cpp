@@ -1,4 +1,4 @@
-//===- aes256_test.cpp - AES-256 keys, block functions and kernels --------===//
+//===- aes256_test.cpp - AES-256 keys, kernels, memory and stream forms, filter ---===//
 #include "tavi/crypt/aes256.h"
 
 #include <gtest/gtest.h>
@@ -6,143 +6,274 @@
 
 #include <cstring>
 
-#include "crypt/test_data.h"
+#include "crypt/crypt_helpers.h"
 
 namespace tavi {
 namespace {
 
 using crypt_internal::AesPath;
-using crypt_test::PathReset;
 using crypt_test::RandomBytes;
+using Bytes = std::vector<uint8_t>;
 
 // OpenSSL's AES-256-ECB without padding as the oracle.
-std::vector<uint8_t> OpenSslEcb(const uint8_t* key, const std::vector<uint8_t>& in, bool encrypt) {
+Bytes OpenSslEcb(const uint8_t* key, const Bytes& in) {
   EVP_CIPHER_CTX* ctx = EVP_CIPHER_CTX_new();
-  EVP_CipherInit_ex(ctx, EVP_aes_256_ecb(), nullptr, key, nullptr, encrypt ? 1 : 0);
+  EVP_EncryptInit_ex(ctx, EVP_aes_256_ecb(), nullptr, key, nullptr);
   EVP_CIPHER_CTX_set_padding(ctx, 0);
-  std::vector<uint8_t> out(in.size() + 16);
+  Bytes out(in.size() + 16);
   int len = 0;
-  EVP_CipherUpdate(ctx, out.data(), &len, in.data(), static_cast<int>(in.size()));
+  EVP_EncryptUpdate(ctx, out.data(), &len, in.data(), static_cast<int>(in.size()));
   EVP_CIPHER_CTX_free(ctx);
   out.resize(static_cast<size_t>(len));
   return out;
 }
 
-std::vector<uint8_t> KeyOf(const char16_t* password) {
-  std::vector<uint8_t> key(32);
-  crypt_internal::Aes256KeyFromPassword(password, key.data());
-  return key;
-}
-
-// FIPS-197 appendix C.3.
-constexpr uint8_t kFipsKey[32] = {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x09, 0x0a,
-                                  0x0b, 0x0c, 0x0d, 0x0e, 0x0f, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15,
-                                  0x16, 0x17, 0x18, 0x19, 0x1a, 0x1b, 0x1c, 0x1d, 0x1e, 0x1f};
-constexpr uint8_t kFipsPlain[16] = {0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77,
-                                    0x88, 0x99, 0xaa, 0xbb, 0xcc, 0xdd, 0xee, 0xff};
-constexpr uint8_t kFipsCipher[16] = {0x8e, 0xa2, 0xb7, 0xca, 0x51, 0x67, 0x45, 0xbf,
-                                     0xea, 0xfc, 0x49, 0x90, 0x4b, 0x49, 0x60, 0x89};
-
-TEST(Aes256, FipsVectorOnEveryPath) {
-  PathReset reset;
-  char schedule[240];
-  XAES256KeyExpansion(schedule, static_cast<const void*>(kFipsKey));
-  for (AesPath path : crypt_test::AesPaths()) {
-    ASSERT_TRUE(crypt_internal::SetAesPath(path));
-    uint8_t block[16];
-    std::memcpy(block, kFipsPlain, 16);
-    XAES256EncryptBlock(block, schedule);
-    EXPECT_EQ(0, std::memcmp(block, kFipsCipher, 16)) << static_cast<int>(path);
-    XAES256DecryptBlock(block, schedule);
-    EXPECT_EQ(0, std::memcmp(block, kFipsPlain, 16)) << static_cast<int>(path);
-  }
-}
-
-TEST(Aes256, WidePasswordKeyRule) {
-  const std::vector<uint8_t> ab = KeyOf(u"ab");
-  for (size_t i = 0; i < 32; ++i) {
-    const uint8_t expected[3] = {0x61, 0x62, 0x00};
-    EXPECT_EQ(ab[i], expected[i % 3]) << i;
-  }
-  EXPECT_EQ(KeyOf(u""), std::vector<uint8_t>(32, 0));
-  // Units are taken modulo 255, not 256.
-  const std::vector<uint8_t> odd = KeyOf(u"\u00FF\u0100\u4E2D");
-  EXPECT_EQ(odd[0], 0x00);
-  EXPECT_EQ(odd[1], 0x01);
-  EXPECT_EQ(odd[2], 0x7B);
-  EXPECT_EQ(odd[3], 0x00);  // the terminator
-  EXPECT_EQ(odd[4], 0x00);  // the walk starts again
-  EXPECT_EQ(odd[5], 0x01);
-}
-
-TEST(Aes256, BytePasswordKeyRuleAndExpansionForms) {
+// What the stream function and the filter write: whole blocks enciphered one by one; a tail
+// of t bytes laid over the last enciphered block (zeros when there is none) and that block
+// enciphered again. XAES256Encrypt keeps t bytes of the last block, the filter all 16.
+Bytes EcbWithTail(const char16_t* password, const Bytes& plain) {
   uint8_t key[32];
-  crypt_internal::Aes256KeyFromPassword("xyz\xff", key);
-  const uint8_t expected[5] = {'x', 'y', 'z', 0xFF, 0x00};
-  for (size_t i = 0; i < 32; ++i) EXPECT_EQ(key[i], expected[i % 5]) << i;
-
-  // Each password form equals the raw form applied to its key bytes.
-  char from_password[240];
-  char from_key[240];
-  XAES256KeyExpansion(from_password, "xyz\xff");
-  XAES256KeyExpansion(from_key, static_cast<const void*>(key));
-  EXPECT_EQ(0, std::memcmp(from_password, from_key, 240));
-  const std::vector<uint8_t> wide_key = KeyOf(u"pass\u4E2D");
-  XAES256KeyExpansion(from_password, u"pass\u4E2D");
-  XAES256KeyExpansion(from_key, static_cast<const void*>(wide_key.data()));
-  EXPECT_EQ(0, std::memcmp(from_password, from_key, 240));
+  crypt_internal::Aes256KeyFromPassword(password, key);
+  const size_t whole = plain.size() / 16 * 16;
+  Bytes out = OpenSslEcb(key, Bytes(plain.begin(), plain.begin() + whole));
+  if (whole == plain.size()) return out;
+  Bytes last = whole ? Bytes(out.end() - 16, out.end()) : Bytes(16, 0);
+  std::copy(plain.begin() + whole, plain.end(), last.begin());
+  last = OpenSslEcb(key, last);
+  out.insert(out.end(), last.begin(), last.end());
+  return out;
 }
 
-// Every kernel against OpenSSL on random keys and many block counts, both
-// in place and from one buffer to another.
+// FIPS-197 appendix C.3: key 00 01 02 .. 1f, plain text 00 11 22 .. ff.
+constexpr char kFipsCipher[] = "\x8e\xa2\xb7\xca\x51\x67\x45\xbf\xea\xfc\x49\x90\x4b\x49\x60\x89";
+
+// Every kernel against the FIPS vector, and against OpenSSL on a random key over many block
+// counts (the wide kernels' groups of 4, 8 and 16 blocks and their remainders), from one
+// buffer to another and back in place.
 TEST(Aes256, EveryPathMatchesOpenSsl) {
-  PathReset reset;
-  const std::vector<uint8_t> key = RandomBytes(32, 9);
+  crypt_test::PathReset reset;
+  uint8_t fips_key[32];
+  uint8_t fips_plain[16];
+  for (uint8_t i = 0; i < 32; ++i) fips_key[i] = i;
+  for (uint8_t i = 0; i < 16; ++i) fips_plain[i] = static_cast<uint8_t>(0x11 * i);
+  char fips[240];
+  XAES256KeyExpansion(fips, static_cast<const void*>(fips_key));
+  const Bytes key = RandomBytes(32, 9);
   uint8_t schedule[240];
   crypt_internal::Aes256ExpandKey(key.data(), schedule);
-  for (AesPath path : crypt_test::AesPaths()) {
-    ASSERT_TRUE(crypt_internal::SetAesPath(path));
+  for (AesPath path : {AesPath::kPortable, AesPath::kAesNi, AesPath::kVaes}) {
+    if (!crypt_internal::SetAesPath(path)) continue;
+    uint8_t block[16];
+    std::memcpy(block, fips_plain, 16);
+    XAES256EncryptBlock(block, fips);
+    EXPECT_EQ(0, std::memcmp(block, kFipsCipher, 16)) << "path " << static_cast<int>(path);
+    XAES256DecryptBlock(block, fips);
+    EXPECT_EQ(0, std::memcmp(block, fips_plain, 16)) << "path " << static_cast<int>(path);
     for (size_t blocks : {1u, 3u, 4u, 5u, 7u, 8u, 9u, 15u, 16u, 31u, 32u, 33u, 36u, 100u, 1027u}) {
-      const std::vector<uint8_t> plain = RandomBytes(16 * blocks, static_cast<uint32_t>(blocks));
-      const std::vector<uint8_t> cipher = OpenSslEcb(key.data(), plain, true);
-      std::vector<uint8_t> out(plain.size());
+      SCOPED_TRACE(testing::Message() << "path " << static_cast<int>(path) << " blocks " << blocks);
+      const Bytes plain = RandomBytes(16 * blocks, static_cast<uint32_t>(blocks));
+      Bytes out(plain.size());
       crypt_internal::Aes256Encrypt(schedule, plain.data(), out.data(), blocks);
-      ASSERT_EQ(out, cipher) << "path " << static_cast<int>(path) << " blocks " << blocks;
+      ASSERT_EQ(out, OpenSslEcb(key.data(), plain));
       crypt_internal::Aes256Decrypt(schedule, out.data(), out.data(), blocks);
-      ASSERT_EQ(out, plain) << "path " << static_cast<int>(path) << " blocks " << blocks;
+      ASSERT_EQ(out, plain);
     }
   }
 }
 
-TEST(Aes256, InPlaceMemoryForm) {
-  std::vector<uint8_t> data = RandomBytes(40, 10);
-  const std::vector<uint8_t> original = data;
-
-  EXPECT_TRUE(XAES256(data.data(), 0, u"pw", true));
-  EXPECT_FALSE(XAES256(data.data(), 15, u"pw", true));
-  EXPECT_FALSE(XAES256(data.data(), -16, u"pw", true));
-  EXPECT_EQ(data, original);
-
-  // Whole blocks only: 40 bytes change in their first 32.
-  ASSERT_TRUE(XAES256(data.data(), 40, u"pw", true));
-  const std::vector<uint8_t> head(original.begin(), original.begin() + 32);
-  EXPECT_EQ(std::vector<uint8_t>(data.begin(), data.begin() + 32),
-            OpenSslEcb(KeyOf(u"pw").data(), head, true));
-  EXPECT_EQ(0, std::memcmp(data.data() + 32, original.data() + 32, 8));
-  ASSERT_TRUE(XAES256(data.data(), 40, u"pw", false));
-  EXPECT_EQ(data, original);
+// A password gives the key bytes by walking it cyclically, its terminating zero included;
+// wide units are taken modulo 255, not 256. Each password form keys as the raw form does
+// with those bytes.
+TEST(Aes256, PasswordKeys) {
+  const struct {
+    const char16_t* wide;
+    const char* narrow;
+    Bytes cycle;
+  } cases[] = {{u"ab", nullptr, {0x61, 0x62, 0}},
+               {u"", nullptr, {0}},
+               {u"\u00FF\u0100\u4E2D", nullptr, {0, 1, 0x7B, 0}},
+               {nullptr, "xyz\xff", {'x', 'y', 'z', 0xFF, 0}}};
+  for (size_t i = 0; i < std::size(cases); ++i) {
+    SCOPED_TRACE(i);
+    uint8_t key[32];
+    for (size_t k = 0; k < 32; ++k) key[k] = cases[i].cycle[k % cases[i].cycle.size()];
+    char raw[240];
+    char from_password[240];
+    XAES256KeyExpansion(raw, static_cast<const void*>(key));
+    if (cases[i].wide) XAES256KeyExpansion(from_password, cases[i].wide);
+    if (cases[i].narrow) XAES256KeyExpansion(from_password, cases[i].narrow);
+    EXPECT_EQ(0, std::memcmp(raw, from_password, 240));
+  }
 }
 
-TEST(Aes256, InPlaceMemoryFormLargeRoundTrip) {
-  std::vector<uint8_t> data = RandomBytes((1u << 20) + 21, 11);
-  const std::vector<uint8_t> original = data;
-  const int32_t size = static_cast<int32_t>(data.size());
-  ASSERT_TRUE(XAES256(data.data(), size, u"secret", true));
-  const std::vector<uint8_t> whole(original.begin(), original.end() - 5);
-  EXPECT_EQ(std::vector<uint8_t>(data.begin(), data.end() - 5),
-            OpenSslEcb(KeyOf(u"secret").data(), whole, true));
-  ASSERT_TRUE(XAES256(data.data(), size, u"secret", false));
-  EXPECT_EQ(data, original);
+// The in-place form enciphers whole blocks only, on several threads when large; below 16
+// bytes it touches nothing and accepts only 0.
+TEST(Aes256, InPlaceMemoryForm) {
+  EXPECT_FALSE(XAES256(nullptr, -16, u"pw", true));
+  for (size_t n : {0u, 15u, 40u, 5 * 65536u + 100}) {
+    SCOPED_TRACE(n);
+    Bytes data = RandomBytes(n, 11);
+    const Bytes original = data;
+    Bytes expected = original;
+    const Bytes head = EcbWithTail(u"pw", Bytes(data.begin(), data.end() - n % 16));
+    std::copy(head.begin(), head.end(), expected.begin());
+    EXPECT_EQ(XAES256(data.data(), static_cast<int32_t>(n), u"pw", true), n != 15);
+    EXPECT_EQ(data, expected);
+    EXPECT_EQ(XAES256(data.data(), static_cast<int32_t>(n), u"pw", false), n != 15);
+    EXPECT_EQ(data, original);
+  }
+}
+
+// XAES256Encrypt stores the tail truncated, so it cannot be deciphered: XAES256Decrypt
+// writes the whole blocks, then fails with 0x20000004 in the input, imported by the output.
+// Multiples of 16 round-trip exactly, across the functions' batches.
+TEST(Aes256Stream, EncryptAndDecrypt) {
+  for (size_t n : {5u, 20u, 48u, 16400u, 40005u}) {
+    SCOPED_TRACE(n);
+    const Bytes plain = RandomBytes(n, static_cast<uint32_t>(n));
+    test::Sink cipher;
+    ASSERT_TRUE(XAES256Encrypt(cipher, u"key", plain.data(), static_cast<int32_t>(n)));
+    Bytes expected = EcbWithTail(u"key", plain);
+    expected.resize(n);
+    ASSERT_EQ(cipher.bytes, expected);
+
+    test::Source in(cipher.bytes);
+    test::Sink back;
+    const size_t whole = n / 16 * 16;
+    const uint32_t error = whole == n ? 0 : kErrEndOfData;
+    EXPECT_EQ(XAES256Decrypt(back, u"key", in, static_cast<int32_t>(n)), whole == n);
+    EXPECT_EQ(back.bytes, Bytes(plain.begin(), plain.begin() + whole));
+    EXPECT_EQ(in.GetErrorCode(), error);
+    EXPECT_EQ(back.GetErrorCode(), error);
+  }
+}
+
+// Size 0 does nothing and a negative size is refused with 0x20000014 in out; a failed write
+// stops at once (no tail written after it) with the cause in out.
+TEST(Aes256Stream, SizesAndWriteFailures) {
+  const Bytes data = RandomBytes(40005, 15);
+  for (bool encrypt : {true, false}) {
+    SCOPED_TRACE(encrypt);
+    test::Source in(data);
+    const auto run = [&](XIO& out, int32_t size) {
+      return encrypt ? XAES256Encrypt(out, u"pw", data.data(), size)
+                     : XAES256Decrypt(out, u"pw", in, size);
+    };
+    test::Sink out;
+    EXPECT_TRUE(run(out, 0));
+    EXPECT_FALSE(run(out, -1));
+    EXPECT_EQ(out.GetErrorCode(), kErrOutOfRange);
+    EXPECT_TRUE(out.writes.empty() && in.reads.empty());
+    test::Sink full;
+    full.fail_at = 2;
+    EXPECT_FALSE(run(full, 40005));
+    EXPECT_EQ(full.GetErrorCode(), kErrTooLong);
+    EXPECT_EQ(full.writes.size(), 2u);
+  }
+}
+
+// An input that fails keeps its own error and the output imports it, after the whole blocks
+// that came before.
+TEST(Aes256Stream, DecryptImportsTheInputsError) {
+  crypt_test::DrySource in(RandomBytes(32, 14));
+  test::Sink out;
+  EXPECT_FALSE(XAES256Decrypt(out, u"pw", in, 64));
+  EXPECT_EQ(in.GetErrorCode(), 5u);
+  EXPECT_EQ(out.GetErrorCode(), 5u);
+  EXPECT_EQ(out.GetErrorSource(), kErrSourcePlatform);
+  EXPECT_EQ(out.bytes.size(), 32u);
+}
+
+// The filter writes the same bytes whatever the split into writes: whole blocks as they
+// complete, a partial last block only at _Flush. Reads in any pieces restore the data and
+// leave the rest of the last block waiting.
+TEST(CipherAES256, RoundTripOverSplitPoints) {
+  for (size_t size : {5u, 16u, 21u, 4096u, 40000u}) {
+    const Bytes plain = RandomBytes(size, static_cast<uint32_t>(size));
+    const Bytes expected = EcbWithTail(u"split", plain);
+    for (size_t piece : {1u, 5u, 15u, 16u, 17u, 1000u, 20000u, 40000u}) {
+      SCOPED_TRACE(testing::Message() << "size " << size << " piece " << piece);
+      test::Sink target;
+      XCipherAES256 writer(&target);
+      writer.Init(u"split");
+      crypt_test::WriteInPieces(writer, plain, piece);
+      EXPECT_EQ(target.bytes.size(), size / 16 * 16);
+      ASSERT_TRUE(writer._Flush());
+      EXPECT_EQ(writer.GetBufferedCount(), size % 16);  // _Flush does not empty the buffer
+      ASSERT_EQ(target.bytes, expected);
+
+      test::Source source(target.bytes);
+      XCipherAES256 reader(&source);
+      reader.Init(u"split");
+      Bytes back;
+      ASSERT_TRUE(crypt_test::ReadInPieces(reader, back, size, piece == 40000 ? 3 : piece));
+      EXPECT_EQ(back, plain);
+      EXPECT_EQ(reader.GetBufferedCount(), (16 - size % 16) % 16);
+      EXPECT_TRUE(reader.IsOk());
+    }
+  }
+}
+
+// A stream that ends inside a block reads as 0 with 0x20000004, even when some bytes were
+// already delivered; an error imported from a read of nothing is kept instead.
+TEST(CipherAES256, StreamEndingInsideABlock) {
+  const Bytes cipher = EcbWithTail(u"pw", RandomBytes(32, 41));
+  for (size_t keep : {0u, 8u, 16u, 24u}) {
+    test::Source ends(Bytes(cipher.begin(), cipher.begin() + keep));
+    crypt_test::DrySource fails(Bytes(cipher.begin(), cipher.begin() + keep));
+    for (XIO* source : {static_cast<XIO*>(&ends), static_cast<XIO*>(&fails)}) {
+      SCOPED_TRACE(testing::Message() << "keep " << keep << " fails " << (source == &fails));
+      XCipherAES256 reader(source);
+      reader.Init(u"pw");
+      uint8_t back[20];
+      EXPECT_EQ(reader._Read(back, 20), 0u);
+      EXPECT_EQ(reader.GetErrorCode(), source == &fails && keep % 16 == 0 ? 5u : kErrEndOfData);
+    }
+  }
+}
+
+// The state record goes out enciphered without changing the buffered count, and reads back
+// as one block; a missing record fails like a short read of the filter.
+TEST(CipherAES256, StateRecords) {
+  test::Sink target;
+  XCipherAES256 writer(&target);
+  writer.Init(u"state");
+  ASSERT_TRUE(writer._Write("0123456789abcdef", 16));
+  ASSERT_TRUE(writer._Write("xyz", 3));
+  ASSERT_TRUE(writer.EncryptAndWriteState());
+  EXPECT_EQ(writer.GetBufferedCount(), 3u);
+
+  test::Source source(target.bytes);
+  XCipherAES256 reader(&source);
+  reader.Init(u"state");
+  XAESState first;
+  XAESState second;
+  ASSERT_TRUE(reader.ReadAndDecryptState(&first));
+  EXPECT_EQ(0, std::memcmp(first.bytes, "0123456789abcdef", 16));
+  ASSERT_TRUE(reader.ReadAndDecryptState(&second));
+  EXPECT_EQ(0, std::memcmp(second.bytes, "xyz", 3));
+  EXPECT_FALSE(reader.ReadAndDecryptState(&second));
+  EXPECT_EQ(reader.GetErrorCode(), kErrEndOfData);
+  crypt_test::DrySource dry(Bytes{});
+  XCipherAES256 dry_reader(&dry);
+  EXPECT_FALSE(dry_reader.ReadAndDecryptState(&second));
+  EXPECT_EQ(dry_reader.GetErrorCode(), 5u);
+}
+
+// A failed write, of whole blocks or of the partial block at _Flush, imports the cause.
+TEST(CipherAES256, WriteFailuresImportTheCause) {
+  const Bytes plain = RandomBytes(100, 42);
+  for (uint32_t size : {100u, 3u}) {
+    test::Sink full;
+    full.fail_at = 1;
+    XCipherAES256 writer(&full);
+    writer.Init(u"pw");
+    EXPECT_EQ(writer._Write(plain.data(), size), size < 16) << size;
+    if (size < 16) {
+      EXPECT_FALSE(writer._Flush());
+    }
+    EXPECT_EQ(writer.GetErrorCode(), kErrTooLong) << size;
+  }
 }
 
 }  // namespace
