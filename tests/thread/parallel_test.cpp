@@ -5,9 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <mutex>
 #include <random>
-#include <set>
 #include <thread>
 #include <vector>
 
@@ -131,6 +129,7 @@ TEST(Parallel, ThreadedFormsAgreeWithSingleThreaded) {
 
 // Workers holding matches meet before they answer, and the match at 777
 // answers first: later matches are stored after it, and the lowest must win.
+// Several workers meet, each at most once.
 TEST(Parallel, ThreadedSearchReturnsTheLowestOfManyMatchesOrNull) {
   ScopedWorkers scoped(8);
   std::vector<Cell> cells(20000);
@@ -140,7 +139,7 @@ TEST(Parallel, ThreadedSearchReturnsTheLowestOfManyMatchesOrNull) {
   constexpr XItemPred1 meetThenAnswer = [](void* item) {
     if (At(item).key == 0) return false;
     ++met;
-    for (int wait = 0; met < 2 && wait < 100; ++wait) {
+    for (int wait = 0; met < 2 && wait < 1000; ++wait) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     if (At(item).key == 3) std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -149,25 +148,11 @@ TEST(Parallel, ThreadedSearchReturnsTheLowestOfManyMatchesOrNull) {
   for (int repeat = 0; repeat < 5; ++repeat) {
     met = 0;
     ASSERT_EQ(XCheckMT(meetThenAnswer, ptrs.data(), 20000), &cells[777]);
+    EXPECT_GE(met, 2u);
+    EXPECT_LE(met, 8u);
   }
   for (Cell& c : cells) c.key = 2;
   EXPECT_EQ(XCheckMT(KeyIsOdd, ptrs.data(), 20000), nullptr);
-}
-
-TEST(Parallel, ThreadedFormsUseSeveralThreads) {
-  ScopedWorkers scoped(4);
-  static std::mutex mutex;
-  static std::set<std::thread::id> ids;
-  std::vector<Cell> cells(64);
-  XMakeMT(
-      [](void*) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        std::lock_guard<std::mutex> lock(mutex);
-        ids.insert(std::this_thread::get_id());
-      },
-      PointersTo(cells).data(), 64);
-  EXPECT_GE(ids.size(), 2u);
-  EXPECT_LE(ids.size(), 4u);
 }
 
 // A null item is the terminator of the threaded pointer forms: the worker that

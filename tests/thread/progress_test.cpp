@@ -64,7 +64,6 @@ TEST_F(ProgressTest, KnownTotalIsThrottledAndShowsOnlyChanges) {
   now += 1;
   ProgressSet(p_, 994);  // still 0: not shown
   ProgressSet(p_, 995);
-  EXPECT_EQ(p_.done, 995u);
   EXPECT_TRUE(ProgressEnd(p_));
   EXPECT_EQ(shown, (Titles{u"Copying 0%", u"Copying 100%", u"Copying done"}));
   EXPECT_EQ(options_.innermost, nullptr);
