@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <limits>
 #include <random>
+#include <tuple>
 
 namespace tavi {
 namespace {
@@ -12,105 +14,68 @@ namespace {
 constexpr int64_t kMax = std::numeric_limits<int64_t>::max();
 constexpr int64_t kMin = std::numeric_limits<int64_t>::min();
 constexpr uint64_t kAllOnes = ~uint64_t{0};
+constexpr uint64_t k20Factorial = 2432902008176640000u;
 
-// The compiler's 128-bit integer, as an independent reference.
-__extension__ typedef __int128 Wide;
+using Op = bool (*)(strCountSafe&, uint64_t);
+constexpr Op Set = [](strCountSafe& c, uint64_t v) { return c.Set(v); };
+constexpr Op Add = [](strCountSafe& c, uint64_t v) { return c.Add(v); };
+constexpr Op Mul = [](strCountSafe& c, uint64_t v) { return c.Multiply(v); };
+constexpr Op Fact = [](strCountSafe& c, uint64_t n) { return c.Factorial(uint32_t(n)); };
+constexpr Op AddFact = [](strCountSafe& c, uint64_t n) { return c.AddFactorial(uint32_t(n)); };
 
-TEST(CountSafe, AddAndMultiplySaturate) {
-  strCountSafe c;
-  EXPECT_TRUE(c.Set(5));
-  EXPECT_TRUE(c += 10);
-  EXPECT_EQ(uint64_t{c}, 15u);
-  EXPECT_TRUE(c *= 3);
-  EXPECT_EQ(c.value, 45u);
-  EXPECT_FALSE(c.Set(kAllOnes));
-
-  c = kAllOnes - 11;
-  EXPECT_TRUE(c.Add(10));
-  // A sum that would equal all ones is an overflow.
-  EXPECT_FALSE(c.Add(1));
-  EXPECT_TRUE(c.IsOverflow());
-  EXPECT_FALSE(c.Add(0));  // and it stays one
-
-  c = kAllOnes / 3 - 1;
-  EXPECT_TRUE(c.Multiply(3));
-  c = kAllOnes / 3;
-  EXPECT_FALSE(c.Multiply(3));
-  EXPECT_EQ(c.value, kAllOnes);
-  c = 123;
-  EXPECT_TRUE(c.Multiply(0));
-  EXPECT_EQ(c.value, 0u);
+// Each operation from a start value, with its result and the value it leaves.
+// All ones is the overflow mark: reaching it is an overflow, and it sticks.
+TEST(CountSafe, OperationsSaturateAtAllOnes) {
+  const std::tuple<uint64_t, Op, uint64_t, bool, uint64_t> cases[] = {
+      {0, Set, 5, true, 5},
+      {0, Set, kAllOnes, false, kAllOnes},
+      {kAllOnes - 2, Add, 1, true, kAllOnes - 1},
+      {kAllOnes - 1, Add, 1, false, kAllOnes},
+      {kAllOnes, Add, 0, false, kAllOnes},
+      {kAllOnes / 3 - 1, Mul, 3, true, kAllOnes - 3},
+      {kAllOnes / 3, Mul, 3, false, kAllOnes},
+      {123, Mul, 0, true, 0},
+      {kAllOnes, Mul, 0, false, kAllOnes},
+      {7, Fact, 0, true, 1},
+      {7, Fact, 20, true, k20Factorial},
+      {7, Fact, 21, false, kAllOnes},
+      {6, AddFact, 4, true, 30},
+      {0, AddFact, 21, false, kAllOnes},
+      {kAllOnes - k20Factorial, AddFact, 20, false, kAllOnes},
+      {kAllOnes - k20Factorial - 1, AddFact, 20, true, kAllOnes - 1}};
+  for (const auto& [start, op, arg, ok, after] : cases) {
+    SCOPED_TRACE(testing::Message() << start << " " << arg);
+    strCountSafe c;
+    c.value = start;
+    EXPECT_EQ(op(c, arg), ok);
+    EXPECT_EQ(c.value, after);
+  }
 }
 
-TEST(CountSafe, Factorials) {
-  strCountSafe c;
-  EXPECT_TRUE(c.Factorial(0));
-  EXPECT_EQ(c.value, 1u);
-  EXPECT_TRUE(c.Factorial(1));
-  EXPECT_EQ(c.value, 1u);
-  EXPECT_TRUE(c.Factorial(5));
-  EXPECT_EQ(c.value, 120u);
-  EXPECT_TRUE(c.Factorial(20));
-  EXPECT_EQ(c.value, 2432902008176640000u);
-  EXPECT_FALSE(c.Factorial(21));
-  EXPECT_EQ(c.value, kAllOnes);
-
-  c = 6;
-  EXPECT_TRUE(c.AddFactorial(4));
-  EXPECT_EQ(c.value, 30u);
-  EXPECT_FALSE(c.AddFactorial(21));
-  EXPECT_EQ(c.value, kAllOnes);
-  c = kAllOnes - 2432902008176640000u;
-  EXPECT_FALSE(c.AddFactorial(20));
-  c = kAllOnes - 2432902008176640001u;
-  EXPECT_TRUE(c.AddFactorial(20));
-}
-
-TEST(SafeArithmetic, SumSaturates) {
-  int64_t r = 0;
-  EXPECT_EQ(SafeSum(r, kMax, 1), kSafeOverMax);
-  EXPECT_EQ(r, kMax);
-  EXPECT_EQ(SafeSum(r, kMin, -1), kSafeUnderMin);
-  EXPECT_EQ(r, kMin);
-}
-
-// The cases the wide reference below cannot judge: division by zero.
-TEST(SafeArithmetic, DivisionByZeroSaturatesTowardsTheSign) {
-  int64_t r = 1;
-  EXPECT_EQ(SafeDiv(r, 7, 0), kSafeOverMax);
-  EXPECT_EQ(r, kMax);
-  EXPECT_EQ(SafeDiv(r, -7, 0), kSafeUnderMin);
-  EXPECT_EQ(r, kMin);
-  EXPECT_EQ(SafeDiv(r, 0, 0), kSafeInexact);
-  EXPECT_EQ(r, 0);
-  EXPECT_EQ(SafeConversion(r, -3, 5, 0), kSafeUnderMin);
-  EXPECT_EQ(SafeConversion(r, kMax, 0, 0), kSafeInexact);
-  EXPECT_EQ(r, 0);
-}
-
-// Every operation against a 128-bit reference: every triple of extreme
-// operands, then random ones.
+// Every operation against the compiler's 128-bit integer: every triple of
+// extreme operands, then random ones. Division by zero saturates towards the
+// sign of the numerator, and 0 / 0 is an inexact 0.
 TEST(SafeArithmetic, AgreesWithAWideReference) {
-  std::mt19937_64 rng(99);
+  __extension__ typedef __int128 Wide;
   const int64_t edges[] = {0,        1,         -1,           2,          -2,
                            1000,     -1000,     kMax,         kMin,       kMax - 1,
                            kMin + 1, 1LL << 32, -(1LL << 32), 3037000499, -3037000500};
-  constexpr int kEdges = sizeof(edges) / sizeof(edges[0]);
+  constexpr int kEdges = std::size(edges);
   constexpr int kTriples = kEdges * kEdges * kEdges;
+  std::mt19937_64 rng(99);
   auto draw = [&]() -> int64_t {
     return rng() % 2 ? static_cast<int64_t>(rng()) : static_cast<int64_t>(rng()) >> (rng() % 63);
   };
-  auto expect = [](int64_t got, int32_t code, Wide exact, bool hasRemainder) {
-    if (exact > kMax) {
-      EXPECT_EQ(code, kSafeOverMax);
-      EXPECT_EQ(got, kMax);
-    } else if (exact < kMin) {
-      EXPECT_EQ(code, kSafeUnderMin);
-      EXPECT_EQ(got, kMin);
-    } else {
-      EXPECT_EQ(code, hasRemainder ? kSafeInexact : kSafeExact);
-      EXPECT_EQ(got, static_cast<int64_t>(exact));
-    }
+  auto quotient = [](Wide n, Wide d) -> Wide {
+    return d != 0 ? n / d : n > 0 ? Wide{kMax} + 1 : n < 0 ? Wide{kMin} - 1 : 0;
+  };
+  auto expect = [](int32_t code, const int64_t& got, Wide exact, bool remainder) {
+    const int32_t want = exact > kMax   ? kSafeOverMax
+                         : exact < kMin ? kSafeUnderMin
+                         : remainder    ? kSafeInexact
+                                        : kSafeExact;
+    EXPECT_EQ(code, want);
+    EXPECT_EQ(got, exact > kMax ? kMax : exact < kMin ? kMin : static_cast<int64_t>(exact));
   };
   for (int i = 0; i < kTriples + 20000; ++i) {
     const bool edge = i < kTriples;
@@ -118,24 +83,14 @@ TEST(SafeArithmetic, AgreesWithAWideReference) {
     const int64_t b = edge ? edges[i / kEdges % kEdges] : draw();
     const int64_t c = edge ? edges[i / kEdges / kEdges] : draw();
     SCOPED_TRACE(testing::Message() << a << " " << b << " " << c);
+    const Wide product = static_cast<Wide>(a) * b;
     int64_t r;
-    int32_t code = SafeSum(r, a, b);
-    expect(r, code, static_cast<Wide>(a) + b, false);
-    code = SafeDif(r, a, b);
-    expect(r, code, static_cast<Wide>(a) - b, false);
-    code = SafeMulti(r, a, b);
-    expect(r, code, static_cast<Wide>(a) * b, false);
-    code = SafeLinear(r, a, b, c);
-    expect(r, code, static_cast<Wide>(a) * b + c, false);
-    if (b != 0) {
-      code = SafeDiv(r, a, b);
-      expect(r, code, static_cast<Wide>(a) / b, static_cast<Wide>(a) % b != 0);
-    }
-    if (c != 0) {
-      const Wide product = static_cast<Wide>(a) * b;
-      code = SafeConversion(r, a, b, c);
-      expect(r, code, product / c, product % c != 0);
-    }
+    expect(SafeSum(r, a, b), r, static_cast<Wide>(a) + b, false);
+    expect(SafeDif(r, a, b), r, static_cast<Wide>(a) - b, false);
+    expect(SafeMulti(r, a, b), r, product, false);
+    expect(SafeLinear(r, a, b, c), r, product + c, false);
+    expect(SafeDiv(r, a, b), r, quotient(a, b), b == 0 || static_cast<Wide>(a) % b != 0);
+    expect(SafeConversion(r, a, b, c), r, quotient(product, c), c == 0 || product % c != 0);
   }
 }
 
