@@ -73,9 +73,11 @@ TAVI_API void* XEnum(XItemPred3 pred, void* context1, void* context2, void* cons
 // as the array is used up (at most one lock per run, never per-item allocation);
 // the order in which calls finish is not defined.
 //
-// In the pointer forms a null item ends the worker that takes it: null is the
-// array's terminator for the threaded forms, so fn never sees it, and the items
-// that worker had been handed after it are skipped (other workers go on).
+// In the pointer forms run on two or more threads, a null item ends the worker
+// that takes it: null is the array's terminator for the threaded forms, so fn
+// never sees it, and the items that worker had been handed after it are skipped
+// (other workers go on). With N <= 1 the single-threaded form passes null items
+// to fn like any other.
 // XCheckMT / XEnumMT return the lowest-indexed item that stops the search, the
 // same item as the single-threaded form for arrays without null items, and
 // null when nothing matches.

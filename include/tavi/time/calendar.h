@@ -3,7 +3,7 @@
 // The date and date-time records, the 32-bit minute count that stands for a
 // local date and time, and the free functions that check, convert, compare and
 // difference them. The calendar runs from 1 January of year 1 to 31 December
-// 8166; it is Julian up to 4 October 1582 and Gregorian from 15 October 1582.
+// 8166; it is Julian up to 4 November 1582 and Gregorian from 15 November 1582.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
