@@ -116,12 +116,9 @@ bool XCipherAES256::_Flush() {
 }
 
 bool XCipherAES256::EncryptAndWriteState() {
-  XIO* next = Next();
-  if (next == nullptr) return false;
+  if (Next() == nullptr) return false;
   crypt_internal::Aes256Encrypt(Schedule(schedule_), state_.bytes, state_.bytes, 1);
-  if (next->_Write(state_.bytes, 16)) return true;
-  ImportErrorCode(*next);
-  return false;
+  return XRoutedIO::_Write(state_.bytes, 16);
 }
 
 bool XCipherAES256::ReadAndDecryptState(XAESState* state) {

@@ -13,34 +13,20 @@ void XCRC32IO::Init() {
 }
 
 bool XCRC32IO::_Write(const void* data, uint32_t bytes) {
-  XIO* next = Next();
-  if (next == nullptr) return false;
-  crc_ = crypt_internal::Crc32Update(crc_, data, bytes);
-  if (next->_Write(data, bytes)) return true;
-  ImportErrorCode(*next);
-  return false;
+  if (GetNext() != nullptr) crc_ = crypt_internal::Crc32Update(crc_, data, bytes);
+  return XRoutedIO::_Write(data, bytes);
 }
 
 uint32_t XCRC32IO::_Read(void* data, uint32_t bytes) {
-  XIO* next = Next();
-  if (next == nullptr) return 0;
-  const uint32_t got = next->_Read(data, bytes);
-  if (got == 0) {
-    ImportErrorCode(*next);
-    return 0;
-  }
-  crc_ = crypt_internal::Crc32Update(crc_, data, got);
+  const uint32_t got = XRoutedIO::_Read(data, bytes);
+  if (got != 0) crc_ = crypt_internal::Crc32Update(crc_, data, got);
   return got;
 }
 
 bool XCRC32IO::_WriteCRC() {
-  XIO* next = Next();
-  if (next == nullptr) return false;
   uint8_t trailer[4];
   internal::StoreLE32(trailer, crc_ ^ 0xFFFFFFFFu);
-  if (next->_Write(trailer, 4)) return true;
-  ImportErrorCode(*next);
-  return false;
+  return XRoutedIO::_Write(trailer, 4);
 }
 
 bool XCRC32IO::CheckCRC() {

@@ -87,21 +87,15 @@ void XSHA256IO::Finalize() {
 }
 
 bool XSHA256IO::_WriteSHA256() {
-  XIO* next = Next();
-  if (next == nullptr) return false;
+  if (Next() == nullptr) return false;
   Finalize();
-  if (next->_Write(state_, 32)) return true;
-  ImportErrorCode(*next);
-  return false;
+  return XRoutedIO::_Write(state_, 32);
 }
 
 bool XSHA256IO::_WriteSHA224() {
-  XIO* next = Next();
-  if (next == nullptr) return false;
+  if (Next() == nullptr) return false;
   Finalize();
-  if (next->_Write(state_, 28)) return true;
-  ImportErrorCode(*next);
-  return false;
+  return XRoutedIO::_Write(state_, 28);
 }
 
 bool XSHA256IO::CheckSHA256() {
