@@ -11,6 +11,7 @@
 
 #include "core/internal/endian.h"
 #include "crypt/internal/aes256_kernel.h"
+#include "crypt/internal/kernel_choice.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
@@ -253,16 +254,10 @@ const AesKernel* PathKernel(AesPath path) {
   return &kPortableKernel;
 }
 
-AesPath AutomaticPath() {
-  if (platform::ForcePortableKernels()) return AesPath::kPortable;
-  if (AesPathAvailable(AesPath::kVaes)) return AesPath::kVaes;
-  if (AesPathAvailable(AesPath::kAesNi)) return AesPath::kAesNi;
-  return AesPath::kPortable;
-}
-
-std::atomic<const AesKernel*>& ActiveKernel() {
-  static std::atomic<const AesKernel*> active{PathKernel(AutomaticPath())};
-  return active;
+KernelChoice<AesPath, const AesKernel*>& Choice() {
+  static KernelChoice<AesPath, const AesKernel*> choice(
+      {AesPath::kVaes, AesPath::kAesNi}, AesPath::kPortable, PathKernel, AesPathAvailable);
+  return choice;
 }
 
 }  // namespace
@@ -281,31 +276,23 @@ bool AesPathAvailable(AesPath path) {
 }
 
 AesPath AesActivePath() {
-  const AesKernel* kernel = ActiveKernel().load(std::memory_order_relaxed);
-  for (AesPath path : {AesPath::kAesNi, AesPath::kVaes}) {
-    if (AesPathAvailable(path) && kernel == PathKernel(path)) return path;
-  }
-  return AesPath::kPortable;
+  return Choice().Active();
 }
 
 bool SetAesPath(AesPath path) {
-  if (!AesPathAvailable(path)) return false;
-  ActiveKernel().store(PathKernel(path), std::memory_order_relaxed);
-  return true;
+  return Choice().Set(path);
 }
 
 void ResetAesPath() {
-  ActiveKernel().store(PathKernel(AutomaticPath()), std::memory_order_relaxed);
+  Choice().Reset();
 }
 
 void Aes256Encrypt(const uint8_t* schedule, const uint8_t* in, uint8_t* out, size_t blocks) {
-  if (blocks > 0)
-    ActiveKernel().load(std::memory_order_relaxed)->encrypt(schedule, in, out, blocks);
+  if (blocks > 0) Choice().Get()->encrypt(schedule, in, out, blocks);
 }
 
 void Aes256Decrypt(const uint8_t* schedule, const uint8_t* in, uint8_t* out, size_t blocks) {
-  if (blocks > 0)
-    ActiveKernel().load(std::memory_order_relaxed)->decrypt(schedule, in, out, blocks);
+  if (blocks > 0) Choice().Get()->decrypt(schedule, in, out, blocks);
 }
 
 }  // namespace tavi::crypt_internal

@@ -8,6 +8,7 @@
 
 #include "core/internal/endian.h"
 #include "crypt/internal/crc32_kernel.h"
+#include "crypt/internal/kernel_choice.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
@@ -66,16 +67,11 @@ Crc32Fn PathFunction(Crc32Path path) {
   }
 }
 
-Crc32Path AutomaticPath() {
-  if (platform::ForcePortableKernels()) return Crc32Path::kPortable;
-  if (Crc32PathAvailable(Crc32Path::kVpclmul)) return Crc32Path::kVpclmul;
-  if (Crc32PathAvailable(Crc32Path::kPclmul)) return Crc32Path::kPclmul;
-  return Crc32Path::kPortable;
-}
-
-std::atomic<Crc32Fn>& ActiveFunction() {
-  static std::atomic<Crc32Fn> active{PathFunction(AutomaticPath())};
-  return active;
+KernelChoice<Crc32Path, Crc32Fn>& Choice() {
+  static KernelChoice<Crc32Path, Crc32Fn> choice({Crc32Path::kVpclmul, Crc32Path::kPclmul},
+                                                 Crc32Path::kPortable, PathFunction,
+                                                 Crc32PathAvailable);
+  return choice;
 }
 
 }  // namespace
@@ -118,26 +114,19 @@ bool Crc32PathAvailable(Crc32Path path) {
 }
 
 Crc32Path Crc32ActivePath() {
-  const Crc32Fn fn = ActiveFunction().load(std::memory_order_relaxed);
-  for (Crc32Path path : {Crc32Path::kPclmul, Crc32Path::kVpclmul}) {
-    if (Crc32PathAvailable(path) && fn == PathFunction(path)) return path;
-  }
-  return Crc32Path::kPortable;
+  return Choice().Active();
 }
 
 bool SetCrc32Path(Crc32Path path) {
-  if (!Crc32PathAvailable(path)) return false;
-  ActiveFunction().store(PathFunction(path), std::memory_order_relaxed);
-  return true;
+  return Choice().Set(path);
 }
 
 void ResetCrc32Path() {
-  ActiveFunction().store(PathFunction(AutomaticPath()), std::memory_order_relaxed);
+  Choice().Reset();
 }
 
 uint32_t Crc32Update(uint32_t reg, const void* data, size_t n) {
-  return ActiveFunction().load(std::memory_order_relaxed)(reg, static_cast<const uint8_t*>(data),
-                                                          n);
+  return Choice().Get()(reg, static_cast<const uint8_t*>(data), n);
 }
 
 }  // namespace tavi::crypt_internal

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/internal/endian.h"
+#include "crypt/internal/kernel_choice.h"
 #include "crypt/internal/sha256_kernel.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
@@ -41,16 +42,10 @@ Sha256Fn PathFunction(Sha256Path path) {
   return &Sha256CompressPortable;
 }
 
-Sha256Path AutomaticPath() {
-  if (!platform::ForcePortableKernels() && Sha256PathAvailable(Sha256Path::kShaNi)) {
-    return Sha256Path::kShaNi;
-  }
-  return Sha256Path::kPortable;
-}
-
-std::atomic<Sha256Fn>& ActiveFunction() {
-  static std::atomic<Sha256Fn> active{PathFunction(AutomaticPath())};
-  return active;
+KernelChoice<Sha256Path, Sha256Fn>& Choice() {
+  static KernelChoice<Sha256Path, Sha256Fn> choice({Sha256Path::kShaNi}, Sha256Path::kPortable,
+                                                   PathFunction, Sha256PathAvailable);
+  return choice;
 }
 
 }  // namespace
@@ -97,25 +92,19 @@ bool Sha256PathAvailable(Sha256Path path) {
 }
 
 Sha256Path Sha256ActivePath() {
-  if (Sha256PathAvailable(Sha256Path::kShaNi) &&
-      ActiveFunction().load(std::memory_order_relaxed) == PathFunction(Sha256Path::kShaNi)) {
-    return Sha256Path::kShaNi;
-  }
-  return Sha256Path::kPortable;
+  return Choice().Active();
 }
 
 bool SetSha256Path(Sha256Path path) {
-  if (!Sha256PathAvailable(path)) return false;
-  ActiveFunction().store(PathFunction(path), std::memory_order_relaxed);
-  return true;
+  return Choice().Set(path);
 }
 
 void ResetSha256Path() {
-  ActiveFunction().store(PathFunction(AutomaticPath()), std::memory_order_relaxed);
+  Choice().Reset();
 }
 
 void Sha256Compress(uint32_t state[8], const uint8_t* blocks, size_t nblocks) {
-  if (nblocks > 0) ActiveFunction().load(std::memory_order_relaxed)(state, blocks, nblocks);
+  if (nblocks > 0) Choice().Get()(state, blocks, nblocks);
 }
 
 void Sha256Finalize(uint32_t state[8], uint8_t buffer[64], uint32_t buffered, uint32_t total) {
