@@ -1,1 +1,1 @@
-tavi_add_fuzzer(aes_filter ${CMAKE_CURRENT_LIST_DIR}/aes_filter.cpp)
+tavi_add_fuzzer(aes_filter ${CMAKE_CURRENT_LIST_DIR}/aes_filter_fuzz.cpp)

@@ -1,1 +1,1 @@
-tavi_add_fuzzer(crc32_filter ${CMAKE_CURRENT_LIST_DIR}/crc32_filter.cpp)
+tavi_add_fuzzer(crc32_filter ${CMAKE_CURRENT_LIST_DIR}/crc32_filter_fuzz.cpp)
