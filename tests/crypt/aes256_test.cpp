@@ -5,6 +5,7 @@
 #include <openssl/evp.h>
 
 #include <cstring>
+#include <tuple>
 
 #include "crypt/crypt_helpers.h"
 
@@ -52,8 +53,7 @@ constexpr char kFipsCipher[] = "\x8e\xa2\xb7\xca\x51\x67\x45\xbf\xea\xfc\x49\x90
 // buffer to another and back in place.
 TEST(Aes256, EveryPathMatchesOpenSsl) {
   crypt_test::PathReset reset;
-  uint8_t fips_key[32];
-  uint8_t fips_plain[16];
+  uint8_t fips_key[32], fips_plain[16];
   for (uint8_t i = 0; i < 32; ++i) fips_key[i] = i;
   for (uint8_t i = 0; i < 16; ++i) fips_plain[i] = static_cast<uint8_t>(0x11 * i);
   char fips[240];
@@ -63,20 +63,20 @@ TEST(Aes256, EveryPathMatchesOpenSsl) {
   crypt_internal::Aes256ExpandKey(key.data(), schedule);
   for (AesPath path : {AesPath::kPortable, AesPath::kAesNi, AesPath::kVaes}) {
     if (!crypt_internal::SetAesPath(path)) continue;
+    SCOPED_TRACE(static_cast<int>(path));
     uint8_t block[16];
     std::memcpy(block, fips_plain, 16);
     XAES256EncryptBlock(block, fips);
-    EXPECT_EQ(0, std::memcmp(block, kFipsCipher, 16)) << "path " << static_cast<int>(path);
+    EXPECT_EQ(0, std::memcmp(block, kFipsCipher, 16));
     XAES256DecryptBlock(block, fips);
-    EXPECT_EQ(0, std::memcmp(block, fips_plain, 16)) << "path " << static_cast<int>(path);
+    EXPECT_EQ(0, std::memcmp(block, fips_plain, 16));
     for (size_t blocks : {1u, 3u, 4u, 5u, 7u, 8u, 9u, 15u, 16u, 31u, 32u, 33u, 36u, 100u, 1027u}) {
-      SCOPED_TRACE(testing::Message() << "path " << static_cast<int>(path) << " blocks " << blocks);
       const Bytes plain = RandomBytes(16 * blocks, static_cast<uint32_t>(blocks));
       Bytes out(plain.size());
       crypt_internal::Aes256Encrypt(schedule, plain.data(), out.data(), blocks);
-      ASSERT_EQ(out, OpenSslEcb(key.data(), plain));
+      ASSERT_EQ(out, OpenSslEcb(key.data(), plain)) << blocks;
       crypt_internal::Aes256Decrypt(schedule, out.data(), out.data(), blocks);
-      ASSERT_EQ(out, plain);
+      ASSERT_EQ(out, plain) << blocks;
     }
   }
 }
@@ -85,24 +85,18 @@ TEST(Aes256, EveryPathMatchesOpenSsl) {
 // wide units are taken modulo 255, not 256. Each password form keys as the raw form does
 // with those bytes.
 TEST(Aes256, PasswordKeys) {
-  const struct {
-    const char16_t* wide;
-    const char* narrow;
-    Bytes cycle;
-  } cases[] = {{u"ab", nullptr, {0x61, 0x62, 0}},
-               {u"", nullptr, {0}},
-               {u"\u00FF\u0100\u4E2D", nullptr, {0, 1, 0x7B, 0}},
-               {nullptr, "xyz\xff", {'x', 'y', 'z', 0xFF, 0}}};
-  for (size_t i = 0; i < std::size(cases); ++i) {
-    SCOPED_TRACE(i);
+  const std::tuple<const char16_t*, const char*, Bytes> cases[] = {
+      {u"ab", nullptr, {0x61, 0x62, 0}},
+      {u"", nullptr, {0}},
+      {u"\u00FF\u0100\u4E2D", nullptr, {0, 1, 0x7B, 0}},
+      {nullptr, "xyz\xff", {'x', 'y', 'z', 0xFF, 0}}};
+  for (const auto& [wide, narrow, cycle] : cases) {
     uint8_t key[32];
-    for (size_t k = 0; k < 32; ++k) key[k] = cases[i].cycle[k % cases[i].cycle.size()];
-    char raw[240];
-    char from_password[240];
+    for (size_t k = 0; k < 32; ++k) key[k] = cycle[k % cycle.size()];
+    char raw[240], from_password[240];
     XAES256KeyExpansion(raw, static_cast<const void*>(key));
-    if (cases[i].wide) XAES256KeyExpansion(from_password, cases[i].wide);
-    if (cases[i].narrow) XAES256KeyExpansion(from_password, cases[i].narrow);
-    EXPECT_EQ(0, std::memcmp(raw, from_password, 240));
+    wide ? XAES256KeyExpansion(from_password, wide) : XAES256KeyExpansion(from_password, narrow);
+    EXPECT_EQ(0, std::memcmp(raw, from_password, 240)) << cycle.size();
   }
 }
 
@@ -140,17 +134,17 @@ TEST(Aes256Stream, EncryptAndDecrypt) {
     test::Source in(cipher.bytes);
     test::Sink back;
     const size_t whole = n / 16 * 16;
-    const uint32_t error = whole == n ? 0 : kErrEndOfData;
-    EXPECT_EQ(XAES256Decrypt(back, u"key", in, static_cast<int32_t>(n)), whole == n);
+    EXPECT_EQ(test::Fail(XAES256Decrypt(back, u"key", in, static_cast<int32_t>(n)), back),
+              whole == n ? ~0u : kErrEndOfData);
     EXPECT_EQ(back.bytes, Bytes(plain.begin(), plain.begin() + whole));
-    EXPECT_EQ(in.GetErrorCode(), error);
-    EXPECT_EQ(back.GetErrorCode(), error);
+    EXPECT_EQ(in.GetErrorCode(), whole == n ? 0 : kErrEndOfData);
   }
 }
 
 // Size 0 does nothing and a negative size is refused with 0x20000014 in out; a failed write
-// stops at once (no tail written after it) with the cause in out.
-TEST(Aes256Stream, SizesAndWriteFailures) {
+// stops at once (no tail written after it) with the cause in out. An input that fails keeps its
+// own error and the output imports it, after the whole blocks that came before.
+TEST(Aes256Stream, SizesAndFailures) {
   const Bytes data = RandomBytes(40005, 15);
   for (bool encrypt : {true, false}) {
     SCOPED_TRACE(encrypt);
@@ -159,28 +153,18 @@ TEST(Aes256Stream, SizesAndWriteFailures) {
       return encrypt ? XAES256Encrypt(out, u"pw", data.data(), size)
                      : XAES256Decrypt(out, u"pw", in, size);
     };
-    test::Sink out;
+    test::Sink out, full(2);
     EXPECT_TRUE(run(out, 0));
-    EXPECT_FALSE(run(out, -1));
-    EXPECT_EQ(out.GetErrorCode(), kErrOutOfRange);
+    EXPECT_EQ(test::Fail(run(out, -1), out), kErrOutOfRange);
     EXPECT_TRUE(out.writes.empty() && in.reads.empty());
-    test::Sink full;
-    full.fail_at = 2;
-    EXPECT_FALSE(run(full, 40005));
-    EXPECT_EQ(full.GetErrorCode(), kErrTooLong);
+    EXPECT_EQ(test::Fail(run(full, 40005), full), kErrTooLong);
     EXPECT_EQ(full.writes.size(), 2u);
   }
-}
-
-// An input that fails keeps its own error and the output imports it, after the whole blocks
-// that came before.
-TEST(Aes256Stream, DecryptImportsTheInputsError) {
   crypt_test::DrySource in(RandomBytes(32, 14));
   test::Sink out;
-  EXPECT_FALSE(XAES256Decrypt(out, u"pw", in, 64));
-  EXPECT_EQ(in.GetErrorCode(), 5u);
-  EXPECT_EQ(out.GetErrorCode(), 5u);
+  EXPECT_EQ(test::Fail(XAES256Decrypt(out, u"pw", in, 64), out), 5u);
   EXPECT_EQ(out.GetErrorSource(), kErrSourcePlatform);
+  EXPECT_EQ(in.GetErrorCode(), 5u);
   EXPECT_EQ(out.bytes.size(), 32u);
 }
 
@@ -226,53 +210,43 @@ TEST(CipherAES256, StreamEndingInsideABlock) {
       XCipherAES256 reader(source);
       reader.Init(u"pw");
       uint8_t back[20];
-      EXPECT_EQ(reader._Read(back, 20), 0u);
-      EXPECT_EQ(reader.GetErrorCode(), source == &fails && keep % 16 == 0 ? 5u : kErrEndOfData);
+      EXPECT_EQ(test::Fail(reader._Read(back, 20) != 0, reader),
+                source == &fails && keep % 16 == 0 ? 5u : kErrEndOfData);
     }
   }
 }
 
-// The state record goes out enciphered without changing the buffered count, and reads back
-// as one block; a missing record fails like a short read of the filter.
+// The state record (the waiting partial block) goes out enciphered without changing the
+// buffered count, and reads back as one block; a missing record fails like a short read of
+// the filter.
 TEST(CipherAES256, StateRecords) {
   test::Sink target;
   XCipherAES256 writer(&target);
   writer.Init(u"state");
-  ASSERT_TRUE(writer._Write("0123456789abcdef", 16));
   ASSERT_TRUE(writer._Write("xyz", 3));
   ASSERT_TRUE(writer.EncryptAndWriteState());
   EXPECT_EQ(writer.GetBufferedCount(), 3u);
-
   test::Source source(target.bytes);
   XCipherAES256 reader(&source);
   reader.Init(u"state");
-  XAESState first;
-  XAESState second;
-  ASSERT_TRUE(reader.ReadAndDecryptState(&first));
-  EXPECT_EQ(0, std::memcmp(first.bytes, "0123456789abcdef", 16));
-  ASSERT_TRUE(reader.ReadAndDecryptState(&second));
-  EXPECT_EQ(0, std::memcmp(second.bytes, "xyz", 3));
-  EXPECT_FALSE(reader.ReadAndDecryptState(&second));
-  EXPECT_EQ(reader.GetErrorCode(), kErrEndOfData);
+  XAESState state;
+  ASSERT_TRUE(reader.ReadAndDecryptState(&state));
+  EXPECT_EQ(0, std::memcmp(state.bytes, "xyz", 3));
+  EXPECT_EQ(test::Fail(reader.ReadAndDecryptState(&state), reader), kErrEndOfData);
   crypt_test::DrySource dry(Bytes{});
   XCipherAES256 dry_reader(&dry);
-  EXPECT_FALSE(dry_reader.ReadAndDecryptState(&second));
-  EXPECT_EQ(dry_reader.GetErrorCode(), 5u);
+  EXPECT_EQ(test::Fail(dry_reader.ReadAndDecryptState(&state), dry_reader), 5u);
 }
 
 // A failed write, of whole blocks or of the partial block at _Flush, imports the cause.
 TEST(CipherAES256, WriteFailuresImportTheCause) {
   const Bytes plain = RandomBytes(100, 42);
   for (uint32_t size : {100u, 3u}) {
-    test::Sink full;
-    full.fail_at = 1;
+    test::Sink full(1);
     XCipherAES256 writer(&full);
     writer.Init(u"pw");
-    EXPECT_EQ(writer._Write(plain.data(), size), size < 16) << size;
-    if (size < 16) {
-      EXPECT_FALSE(writer._Flush());
-    }
-    EXPECT_EQ(writer.GetErrorCode(), kErrTooLong) << size;
+    EXPECT_EQ(test::Fail(writer._Write(plain.data(), size) && writer._Flush(), writer),
+              kErrTooLong);
   }
 }
 

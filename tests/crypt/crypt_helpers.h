@@ -68,4 +68,31 @@ inline bool ReadInPieces(XIO& in, std::vector<uint8_t>& into, size_t total, size
   return true;
 }
 
+// What a fresh filter F writes for data written in pieces, between init and finish.
+template <typename F>
+std::vector<uint8_t> WrittenThrough(const std::vector<uint8_t>& data, size_t piece,
+                                    void (F::*init)(), bool (F::*finish)()) {
+  test::Sink sink;
+  F writer(&sink);
+  (writer.*init)();
+  WriteInPieces(writer, data, piece);
+  EXPECT_TRUE((writer.*finish)());
+  return sink.bytes;
+}
+
+// Reads the payload of `stream` (its first `payload` bytes, in two reads) through a fresh filter F
+// over a DrySource, which must pass it on unchanged, then runs check: ~0 when it passes, else the
+// error it left.
+template <typename F>
+uint32_t CheckedRead(const std::vector<uint8_t>& stream, size_t payload, void (F::*init)(),
+                     bool (F::*check)()) {
+  DrySource source(stream);
+  F reader(&source);
+  (reader.*init)();
+  std::vector<uint8_t> back;
+  EXPECT_TRUE(ReadInPieces(reader, back, payload, payload / 2 + 1));
+  EXPECT_TRUE(std::equal(back.begin(), back.end(), stream.begin()));
+  return test::Fail((reader.*check)(), reader);
+}
+
 }  // namespace tavi::crypt_test

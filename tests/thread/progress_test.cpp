@@ -42,37 +42,34 @@ class ProgressTest : public testing::Test {
     internal::SetProgressClock([] { return now.fetch_add(autoStep); }, 1000);
     options_.window = test::Window(1);
   }
-  void TearDown() override { internal::SetProgressClock(nullptr, 0); }
+  void TearDown() override {
+    internal::SetProgressClock(nullptr, 0);
+    XSetWorkerCount(workers_);
+  }
 
   test::ScopedFakeUi fake_;
   XUserInterface table_;
   strProgressOptions options_;
   strProgress p_;
+  const uint32_t workers_ = XGetWorkerCount();
 };
 
-// The shown value is ((done + total / 200) / total) * 100, quotient first: it
-// stays 0 until done reaches total - total / 200 and then jumps to 100. It is
-// shown at most every half second, and only when it changed.
-TEST_F(ProgressTest, KnownTotalIsThrottledAndShowsOnlyChanges) {
-  options_.value = 77;
+// With a known total the shown value is ((done + total / 200) / total) * 100,
+// quotient first: it stays 0 until done reaches total - total / 200 and then
+// jumps to 100. It is shown at most every half second, and only when it
+// changed. An unknown total shows the count at the start and then every half
+// second, changed or not; a total of 0 shows 100%; without a window nothing is
+// shown. A missing string ID gives the title "???".
+TEST_F(ProgressTest, TitlesAreThrottledAndShowOnlyChanges) {
   ProgressStart(p_, u"Copying", 7, 1000, options_);
-  EXPECT_EQ(p_.value, 77u);
   EXPECT_EQ(ProgressSet(p_, 10), kProgressRunning);  // the first value: shown
   now += 499;
   ProgressSet(p_, 996);  // within the half second: not shown
-  EXPECT_EQ(shown, (Titles{u"Copying 0%"}));
   now += 1;
   ProgressSet(p_, 994);  // still 0: not shown
+  EXPECT_EQ(shown.size(), 1u);
   ProgressSet(p_, 995);
   EXPECT_TRUE(ProgressEnd(p_));
-  EXPECT_EQ(shown, (Titles{u"Copying 0%", u"Copying 100%", u"Copying done"}));
-  EXPECT_EQ(options_.innermost, nullptr);
-}
-
-// An unknown total shows the count at the start and then every half second,
-// changed or not; a total of 0 shows 100%; without a window nothing is shown.
-// A missing string ID gives the title "???".
-TEST_F(ProgressTest, UnknownAndZeroTotals) {
   ProgressStart(p_, u"Scan", 4, kProgressTotalUnknown, options_);
   ProgressSet(p_, 5);
   now += 500;
@@ -89,8 +86,8 @@ TEST_F(ProgressTest, UnknownAndZeroTotals) {
   now += 1000;
   ProgressSet(p_, 3);
   EXPECT_TRUE(ProgressEnd(p_));
-  EXPECT_EQ(shown,
-            (Titles{u"Scan 0", u"Scan 6", u"Scan 7", u"Scan done", u"??? 100%", u"??? done"}));
+  EXPECT_EQ(shown, (Titles{u"Copying 0%", u"Copying 100%", u"Copying done", u"Scan 0", u"Scan 6",
+                           u"Scan 7", u"Scan done", u"??? 100%", u"??? done"}));
 }
 
 // The final title tells done, failed or cancelled. Titles come as text, as a
@@ -105,7 +102,6 @@ TEST_F(ProgressTest, CancelAndFailureShowInTheStateAndFinalTitle) {
   EXPECT_FALSE(ProgressEnd(p_));
   ProgressStart(p_, 500000101, 10, options_, nullptr);
   EXPECT_FALSE(ProgressEnd(p_, false));
-  EXPECT_EQ(p_.state, kProgressFailed);
   TTitleText title;
   ASSERT_TRUE(title.Set(u"Named!", 10, false));
   ProgressStart(p_, title, 10, options_);
@@ -130,12 +126,10 @@ TEST_F(ProgressTest, NestedRecordsDrawInnermostOnly) {
   ProgressStart(p_, u"Outer", 5, 4, options_);
   ProgressSet(p_, 0);
   ProgressStart(inner, u"Inner", 5, kProgressTotalUnknown, options_);
-  EXPECT_EQ(options_.innermost, &inner);
   now += 500;
   ProgressSet(p_, 4);  // not innermost: computes, but does not draw
   ProgressSet(inner, 9);
   EXPECT_TRUE(ProgressEnd(inner));
-  EXPECT_EQ(options_.innermost, &p_);
   EXPECT_TRUE(ProgressEnd(p_));
   EXPECT_EQ(options_.innermost, nullptr);
   EXPECT_EQ(shown, (Titles{u"Outer 0%", u"Inner 0", u"Inner 9", u"Outer 100%", u"Outer done"}));
@@ -170,7 +164,7 @@ TEST_F(ProgressTest, MakeWithProgressCountsEveryItemAndStopsOnCancel) {
   const std::vector<void*> items(199, &item);
   for (uint32_t workers : {1u, 2u, 7u}) {
     SCOPED_TRACE(workers);
-    const uint32_t old = XSetWorkerCount(workers);
+    XSetWorkerCount(workers);
     shown.clear();
     Counter counter;
     counter.options = &options_;
@@ -187,10 +181,8 @@ TEST_F(ProgressTest, MakeWithProgressCountsEveryItemAndStopsOnCancel) {
     EXPECT_EQ(shown.back(), u"S cancelled");
     counter.calls = 0;
     EXPECT_FALSE(XMakeMT(u"P", 1, CountAndMaybeCancel, &counter, items.data(), 199, options_));
-    EXPECT_GE(counter.calls, 10u);
-    EXPECT_LE(counter.calls, 10u + workers);
+    EXPECT_LE(counter.calls - 10u, workers);  // 10 to 10 + workers; fewer wraps round
     EXPECT_EQ(shown.back(), u"P cancelled");
-    XSetWorkerCount(old);
   }
 }
 
@@ -201,10 +193,8 @@ TEST_F(ProgressTest, TitledFormsOfEveryArity) {
   options_.cancel = true;
   EXPECT_TRUE(XMake(u"X", 1, CountAndMaybeCancel, nullptr, nullptr, 0, options_));
   EXPECT_TRUE(XMakeMT(7u, CountAndMaybeCancel, nullptr, nullptr, 0, options_, nullptr));
-  EXPECT_TRUE(options_.cancel);
-  EXPECT_TRUE(shown.empty());
-
-  const uint32_t old = XSetWorkerCount(3);
+  EXPECT_TRUE(options_.cancel && shown.empty());
+  XSetWorkerCount(3);
   std::atomic<int> sum{0};
   const std::vector<void*> items(50, &sum);
   int one = 1, two = 2;
@@ -223,7 +213,6 @@ TEST_F(ProgressTest, TitledFormsOfEveryArity) {
   EXPECT_TRUE(XMake(title, add2, &two, items.data(), 50, options_));
   EXPECT_TRUE(XMakeMT(title, add3, &one, &two, items.data(), 50, options_));
   EXPECT_EQ(sum, 50 * 12);
-  XSetWorkerCount(old);
 }
 
 }  // namespace

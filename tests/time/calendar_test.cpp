@@ -48,8 +48,6 @@ TEST(Calendar, DayCountsAndChecks) {
     EXPECT_EQ(GetDayCount(strDate(year, month, day)), days);
     EXPECT_EQ(CheckDate(strDate(year, month, day)), days != kBad);
   }
-  EXPECT_EQ(GetDayCount(1583), 577814u);
-  EXPECT_EQ(GetDayCount(2026, 11), 739935u - 14);
   EXPECT_EQ(GetDayCount(8167), kBad);
   EXPECT_EQ(GetDayCount(2000, 13), kBad);
   // The day of the year ignores the gap.
@@ -58,10 +56,11 @@ TEST(Calendar, DayCountsAndChecks) {
   EXPECT_EQ(GetDayOfYearCount(strDate(2023, 0, 1)), kBad);
 }
 
-TEST(Calendar, DateWordsAndComparison) {
-  EXPECT_EQ(strDate(2026, 11, 15).ToWord(), 0x0F0B07EAu);
-  EXPECT_EQ(strDateTime(2026, 11, 15, 13, 45).TimeWord(), 0x2D0D);
-
+// Comparisons give the difference of the first field that differs; day
+// differences skip the gap of 1582. Year and month differences come in
+// ten-thousandths: each partial year or month is measured in minutes against
+// its own length and truncated. Invalid dates give 0.
+TEST(Calendar, ComparisonsAndDifferences) {
   const strDate d(2024, 3, 1);
   EXPECT_EQ(CompareDate(strDate(2024, 1, 31), d), -2);
   EXPECT_EQ(CompareDateTime(d, MakeTimeWord(10, 0), d, MakeTimeWord(7, 59)), 3);
@@ -69,11 +68,6 @@ TEST(Calendar, DateWordsAndComparison) {
   EXPECT_EQ(GetDayDiff(strDate(2025, 1, 1), strDate(2024, 1, 1)), -366);
   EXPECT_EQ(GetDayDiff(strDate(1582, 11, 4), strDate(1582, 11, 15)), 1);
   EXPECT_EQ(GetDayDiff(strDate(2023, 2, 29), strDate(2023, 3, 1)), 0);
-}
-
-// Year and month differences in ten-thousandths: each partial year or month is
-// measured in minutes against its own length and truncated.
-TEST(Calendar, YearAndMonthDifferences) {
   using Diff = int64_t (*)(strDate, uint16_t, strDate, uint16_t);
   const uint16_t noon = MakeTimeWord(12, 0);
   const std::tuple<Diff, strDate, uint16_t, strDate, uint16_t, int64_t> cases[] = {
@@ -101,12 +95,13 @@ TEST(Calendar, YearAndMonthDifferences) {
 // November 1582 does not count.
 TEST(Calendar, MonthDayOccurrences) {
   const std::tuple<uint8_t, strDate, strDate, uint32_t> cases[] = {
-      {31, {2023, 1, 1}, {2023, 12, 31}, 7},  {29, {2023, 1, 1}, {2023, 12, 31}, 11},
-      {29, {2024, 1, 1}, {2024, 12, 31}, 12}, {15, {2023, 1, 15}, {2023, 3, 14}, 2},
-      {15, {2023, 1, 16}, {2023, 2, 14}, 0},  {1, {1, 1, 1}, {8166, 12, 31}, 8166 * 12},
-      {10, {1582, 10, 1}, {1582, 12, 31}, 2}, {15, {1582, 10, 1}, {1582, 12, 31}, 3},
-      {1, {2023, 5, 2}, {2023, 5, 1}, 0},     {0, {2023, 1, 1}, {2023, 12, 31}, 0},
-      {32, {2023, 1, 1}, {2023, 12, 31}, 0},  {1, {2023, 2, 30}, {2023, 12, 31}, kBad}};
+      {31, {2023, 1, 1}, {2023, 12, 31}, 7},     {29, {2023, 1, 1}, {2023, 12, 31}, 11},
+      {29, {2024, 1, 1}, {2024, 12, 31}, 12},    {15, {2023, 1, 15}, {2023, 3, 14}, 2},
+      {15, {2023, 1, 16}, {2023, 2, 14}, 0},     {15, {2023, 1, 15}, {2023, 1, 15}, 1},
+      {1, {1, 1, 1}, {8166, 12, 31}, 8166 * 12}, {10, {1582, 10, 1}, {1582, 12, 31}, 2},
+      {15, {1582, 10, 1}, {1582, 12, 31}, 3},    {1, {2023, 5, 2}, {2023, 5, 1}, 0},
+      {0, {2023, 1, 1}, {2023, 12, 31}, 0},      {32, {2023, 1, 1}, {2023, 12, 31}, 0},
+      {1, {2023, 2, 30}, {2023, 12, 31}, kBad}};
   int row = 0;
   for (const auto& [day, from, to, expected] : cases) {
     SCOPED_TRACE(row++);

