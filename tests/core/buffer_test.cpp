@@ -1,12 +1,18 @@
-//===- buffer_test.cpp - Growth, positions and stream slots of XBuffer -----===//
+//===- buffer_test.cpp - XBuffer: memory, positions, stream slots, text ----===//
 #include "tavi/core/buffer.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
+
+#include "core/fake_ui.h"
+#include "tavi/core/title_text.h"
+#include "tavi/resource/string_resource.h"
 
 namespace tavi {
 namespace {
@@ -22,6 +28,32 @@ State StateOf(const XBuffer& b) {
 // The error a call that must fail left behind (~0 when it succeeded).
 uint32_t Fail(bool ok, const XError& e) {
   return ok ? ~0u : e.GetErrorCode();
+}
+
+// The data as text; the text members also keep a 0 code unit right after it.
+std::u16string Data(const XBuffer& b) {
+  if (b.GetBuffer() != nullptr) {
+    EXPECT_EQ(*b._GetStringAt(b.GetBufferPos() / 2), 0) << "terminated";
+  }
+  return std::u16string(reinterpret_cast<const char16_t*>(b.GetBuffer()), b.GetBufferPos() / 2);
+}
+
+// The count an edit returned and the text it left.
+using Edit = std::pair<uint32_t, std::u16string>;
+Edit After(uint32_t count, const XBuffer& b) {
+  return {count, Data(b)};
+}
+
+XBuffer Text(const char16_t* s) {
+  XBuffer b;
+  b.Set(s);
+  return b;
+}
+
+XBuffer Digits() {
+  XBuffer b;
+  b._Write("0123456789", 10);
+  return b;
 }
 
 // Records the sizes asked of the block allocator; with fail set nothing is allocated.
@@ -131,19 +163,23 @@ TEST(BufferAttach, AssumeTakesOwnership) {
   other._SetCurrentPos(1);
   b.AssumeBuffer(other);
   EXPECT_EQ(StateOf(b), State(32, 2, 1));
-  EXPECT_EQ(other.GetBuffer(), nullptr);
   EXPECT_EQ(StateOf(other), State(0, 0, 0));
   EXPECT_EQ(other.GetErrorCode(), kErrEndOfData) << "the error stays with its object";
 }
 
-TEST(BufferCopy, CopiesShareTheBlockAndDiscardForgetsIt) {
+TEST(BufferCopy, SharedBlocksAndAppendsOfOwnData) {
   XBuffer a;
-  ASSERT_TRUE(a._Write("hello", 5));
+  ASSERT_TRUE(a._Write("0123456789abcdefghijklmnopqrstu", 31));
   XBuffer b = a;
   b.DiscardBufferOwnership();  // only one side may free the block
   static_cast<char*>(a.GetBuffer())[0] = 'j';
   EXPECT_EQ(static_cast<char*>(b.GetBuffer())[0], 'j');
   EXPECT_FALSE(b.AllocBuffer(100)) << "the side without ownership never grows the block";
+  // The source lies in the block that the write reallocates.
+  ASSERT_TRUE(a._Write(b.GetBuffer(), 31));
+  ASSERT_TRUE(a._Write(a._GetBufferAt(10), 40));
+  EXPECT_EQ(std::memcmp(a._GetBufferAt(31), "j123456789abcdefghijklmnopqrstu", 31), 0);
+  EXPECT_EQ(std::memcmp(a._GetBufferAt(62), a._GetBufferAt(10), 40), 0);
 
   void* block = a.GetBuffer();
   a.DiscardBuffer();
@@ -152,23 +188,13 @@ TEST(BufferCopy, CopiesShareTheBlockAndDiscardForgetsIt) {
   std::free(block);  // a must not free it again
 }
 
-TEST(BufferCopy, AppendingOwnDataSurvivesReallocation) {
-  XBuffer a;
-  ASSERT_TRUE(a._Write("0123456789abcdefghijklmnopqrstu", 31));
-  // The source lies in the block that the write reallocates.
-  ASSERT_TRUE(a._Write(a.GetBuffer(), 31));
-  ASSERT_TRUE(a._Write(a._GetBufferAt(10), 40));
-  EXPECT_EQ(std::memcmp(a._GetBufferAt(31), "0123456789abcdefghijklmnopqrstu", 31), 0);
-  EXPECT_EQ(std::memcmp(a._GetBufferAt(62), a._GetBufferAt(10), 40), 0);
-}
-
 TEST(BufferPositions, DataEndChecks) {
-  XBuffer b;
-  ASSERT_TRUE(b._Write("0123456789", 10));
+  XBuffer b = Digits();
   ASSERT_TRUE(b.SetCurrentPos(8));
   ASSERT_TRUE(b.SetBufferPos(5));
   EXPECT_EQ(b.GetCurrentPos(), 5u) << "the cursor is lowered with the data end";
   EXPECT_EQ(Fail(b.SetBufferPos(33), b), kErrOutOfRange);
+  EXPECT_TRUE(b.SetBufferPos(32) && b.SetBufferPos(5)) << "up to the allocated size";
   EXPECT_TRUE(b.ShiftBufferPos(-5));
   EXPECT_EQ(Fail(b.ShiftBufferPos(-1), b), kErrOutOfRange);
   EXPECT_TRUE(b.ShiftBufferPos(100)) << "the data end may pass the allocation";
@@ -177,23 +203,21 @@ TEST(BufferPositions, DataEndChecks) {
   EXPECT_FALSE(b.ShiftBufferPos(0x10));
   EXPECT_TRUE(b.ShiftBufferPos(0x0F));
   b._SetBufferPos(10);
-  EXPECT_TRUE(b.SetStringPos(3));
-  EXPECT_TRUE(b.ShiftStringPos(-1));
+  EXPECT_TRUE(b.SetStringPos(3) && b.ShiftStringPos(-1));
   EXPECT_EQ(b.GetBufferPos(), 4u);
 }
 
 TEST(BufferPositions, CursorChecksTestTheOldValue) {
   // Callers park the cursor anywhere; the next checked call notices it.
-  XBuffer b;
-  ASSERT_TRUE(b._Write("0123456789", 10));
+  XBuffer b = Digits();
   EXPECT_TRUE(b.SetCurrentPos(1000));
   EXPECT_EQ(Fail(b.ResetCurrentPos(), b), kErrOutOfRange);
   EXPECT_FALSE(b.SetCurrentPos(0));
   EXPECT_FALSE(b.ShiftCurrentPos(-995));
   EXPECT_EQ(b.GetCurrentPos(), 1000u);
-  b._SetCurrentPos(9);
+  b._SetCurrentPos(10);
   EXPECT_TRUE(b.ShiftCurrentPos(50));
-  EXPECT_EQ(b.GetCurrentPos(), 59u);
+  EXPECT_EQ(b.GetCurrentPos(), 60u);
   char c;
   EXPECT_EQ(b._Read(&c, 1), 0u) << "a cursor beyond the data reads nothing";
   b._SetCurrentPos(3);
@@ -202,8 +226,7 @@ TEST(BufferPositions, CursorChecksTestTheOldValue) {
 }
 
 TEST(BufferStream, ReadsSkipsAndUnreads) {
-  XBuffer b;
-  ASSERT_TRUE(b._Write("0123456789", 10));
+  XBuffer b = Digits();
   char out[100];
   EXPECT_EQ(b._Read(out, 4), 4u);
   EXPECT_EQ(b._Read(out, 100), 6u);
@@ -240,17 +263,157 @@ TEST(BufferStream, TransfersToAndFromOtherStreams) {
   XBuffer saved;
   target._SetCurrentPos(3);
   ASSERT_TRUE(target.SaveBuffer(saved));
-  EXPECT_EQ(saved.GetBufferPos(), 7u) << "the whole data, wherever the cursor is";
-  EXPECT_EQ(std::memcmp(saved.GetBuffer(), "xabcdef", 7), 0);
-
+  EXPECT_EQ(std::string(static_cast<char*>(saved.GetBuffer()), saved.GetBufferPos()), "xabcdef")
+      << "the whole data, wherever the cursor is";
   // ReadTo moves exactly the count, to another buffer or to itself.
-  ASSERT_TRUE(saved.ReadTo(source, 4));
-  ASSERT_TRUE(saved.ReadTo(saved, 3));
+  ASSERT_TRUE(saved.ReadTo(source, 4) && saved.ReadTo(saved, 3));
   EXPECT_EQ(std::memcmp(saved.GetBuffer(), "xabcdefdef", 10), 0);
   EXPECT_EQ(Fail(saved.ReadTo(source, 4), saved), kErrEndOfData);
   EXPECT_EQ(source.GetErrorCode(), kErrEndOfData);
   EXPECT_EQ(source.GetBufferPos(), 10u) << "nothing is written on a short read";
   EXPECT_TRUE(saved.EoB()) << "what was left is consumed";
+}
+
+TEST(BufferText, AddAndSetForms) {
+  XBuffer b;
+  EXPECT_EQ(After(b.EmptyString(), b), Edit(1, u""));
+  ASSERT_TRUE(b._Write(u"ab", 4) && b.EndAsString());
+  ASSERT_TRUE(b.Add(u"c") && b.Add(u"defg", 4u));  // byte count: two characters
+  ASSERT_TRUE(b.Add(u"xyz" + 1, u"xyz" + 3) && b.Add(Text(u"!")));
+  const char16_t* list[] = {u"1", u"23", nullptr};
+  EXPECT_EQ(After(b.Add(list), b), Edit(1, u"abcdeyz!123"));
+
+  const char16_t* rest = b.Set(u"key=value", u'=');
+  EXPECT_EQ(After(rest != nullptr, b), Edit(1, u"key"));
+  EXPECT_EQ(std::u16string(rest), u"value");
+  // No separator: the text ended.
+  EXPECT_EQ(After(b.Add(rest, u'=') != nullptr, b), Edit(0, u"keyvalue"));
+
+  ASSERT_TRUE(b.Set(0x20000004, nullptr));
+  EXPECT_EQ(Data(b), XLibStringResource->Get(0x20000004));
+  EXPECT_EQ(After(b.Set(12345, nullptr), b), Edit(1, u"???"));
+  // Setting from itself or from a copy that shares the block keeps the text.
+  ASSERT_TRUE(b.Set(b));
+  XBuffer shared = b;
+  shared.DiscardBufferOwnership();
+  EXPECT_EQ(After(b.Set(shared), b), Edit(1, u"???"));
+  ASSERT_TRUE(b.GetModuleFileNameW(nullptr));
+  EXPECT_NE(Data(b).find(u"tavi_core_tests"), std::u16string::npos);
+
+  char16_t block[1];
+  XBuffer attached;
+  attached.AttachBuffer(block, 2, false);
+  attached.ResetBuffer();
+  attached.DiscardBufferOwnership();
+  EXPECT_FALSE(attached.EmptyString()) << "an attached buffer without a block cannot empty";
+}
+
+TEST(BufferText, TitlesFromTheOwnBlock) {
+  TTitleText title;
+  title.Set(u"ab", 4, false);
+  XBuffer s;
+  EXPECT_EQ(After(s.Set(title) && s.Add(title), s), Edit(1, u"abab"));
+  // A title attached to the buffer's own block survives the block moving.
+  s.Set(u"0123456789");
+  title.Set(s._GetStringAt(2), 6, true);
+  EXPECT_EQ(After(s.Add(title), s), Edit(1, u"0123456789234"));
+  title.Set(s._GetStringAt(4), 4, true);
+  EXPECT_EQ(After(s.Set(title), s), Edit(1, u"45"));
+}
+
+TEST(BufferText, Replacements) {
+  XBuffer b = Text(u"a--b---c");
+  EXPECT_EQ(After(b.RemoveMultiChars(u'-'), b), Edit(3, u"a-b-c"));
+  EXPECT_EQ(After(b.RemoveChar(u'-'), b), Edit(2, u"abc"));
+  EXPECT_EQ(After(b.ReplaceChar(u'b', u'B'), b), Edit(1, u"aBc"));
+  EXPECT_EQ(After(b.ReplaceChars(u"ac", u'_'), b), Edit(2, u"_B_"));
+
+  XBuffer s = Text(u"one two one");
+  EXPECT_EQ(After(s.ReplaceString(u"one", 6, u"three", 10), s), Edit(2, u"three two three"));
+  EXPECT_EQ(After(s.ReplaceStringToChar(u"three", 10, u'3'), s), Edit(2, u"3 two 3"));
+  EXPECT_EQ(After(s.ReplaceStringIC(u"TWO", 6, u"", 0), s), Edit(1, u"3  3"));
+  EXPECT_EQ(s.ReplaceString(u"", 0, u"x", 2), 0u);
+  // A fixed block that cannot hold the longer result keeps its text.
+  char16_t fixed[5] = u"3  3";
+  XBuffer f;
+  f.AttachBuffer(fixed, 8, true);
+  EXPECT_EQ(After(f.ReplaceString(u"3", 2, u"33", 4), f), Edit(0, u"3  3"));
+  XBuffer soft = Text(u"wrapped\r\r\nline\r\nend");
+  EXPECT_EQ(After(soft.ReplaceSoftReturns(), soft), Edit(1, u"wrappedline\r\nend"));
+
+  // The unquoted forms leave quoted text alone; an open quote protects the rest.
+  XBuffer q = Text(u"a,b,\"c,d\",e");
+  EXPECT_EQ(After(q.ReplaceUnquotedChar(u',', u';', u'"', u'"'), q), Edit(3, u"a;b;\"c,d\";e"));
+  XBuffer c = Text(u"x=1 [x=2] x=3 [x=4");
+  EXPECT_EQ(After(c.ReplaceUnquotedString(u"x=", 4, u"y:", 4, u'[', u']'), c),
+            Edit(2, u"y:1 [x=2] y:3 [x=4"));
+  EXPECT_EQ(c.ReplaceUnquotedStringIC(u"Y:", 4, u"", 0, u'[', u']'), 2u);
+  EXPECT_EQ(After(c.ReplaceUnquotedStringToChar(u"1 ", 4, u'#', u'[', u']'), c),
+            Edit(1, u"#[x=2] 3 [x=4"));
+  EXPECT_EQ(After(c.ReplaceUnquotedChars(u"3x", u'.', u'[', u']'), c), Edit(1, u"#[x=2] . [x=4"));
+}
+
+TEST(BufferText, Cuts) {
+  XBuffer b = Text(u"  ");
+  EXPECT_EQ(After(b.RemoveEndChars(u' '), b), Edit(1, u" ")) << "one character always stays";
+  b.Set(u"ab...");
+  EXPECT_EQ(After(b.RemoveEndChars(u'.'), b), Edit(3, u"ab"));
+
+  b.Set(u"dir/sub/file");
+  b._SetCurrentPos(20);
+  EXPECT_EQ(After(b.CutLast(u'/'), b), Edit(1, u"dir/sub"));
+  EXPECT_EQ(b.GetCurrentPos(), 14u) << "the cursor is lowered with the data end";
+  EXPECT_FALSE(b.CutLast(u'?') || XBuffer().CutLast(u'/'));
+
+  b.Set(u"key: value: more");
+  EXPECT_EQ(After(b.CutTo(u':'), b), Edit(1, u" value: more"));
+  EXPECT_FALSE(b.CutTo(u'#'));
+  EXPECT_EQ(After(b.CutRTo(u':') && b.Cut(1u), b), Edit(1, u"more"));
+  EXPECT_EQ(After(b.Cut(b._GetStringAt(1), b._GetStringAt(3)), b), Edit(1, u"me"));
+  EXPECT_FALSE(b.Cut(b._GetStringAt(2), b._GetStringAt(1)));
+  EXPECT_FALSE(b.Cut(b._GetStringAt(0), b._GetStringAt(3)));
+  EXPECT_EQ(After(b.Cut(100u), b), Edit(1, u""));
+}
+
+TEST(BufferText, CompareIsBytewise) {
+  const XBuffer abc = Text(u"abc"), ab = Text(u"ab"), abd = Text(u"abd");
+  const int kResults[][2] = {{abc.Compare(abd), -1},      {abd.Compare(abc), 1},
+                             {ab.Compare(abc), -1},       {abc.Compare(ab), 1},
+                             {abc.Compare(u"abc", 6), 0}, {abc.IsDifferent(u"abc", 6), 0},
+                             {abc.IsDifferent(ab), 1},    {XBuffer().Compare(nullptr, 0), 0}};
+  for (size_t i = 0; i < std::size(kResults); ++i) EXPECT_EQ(kResults[i][0], kResults[i][1]) << i;
+}
+
+TEST(BufferClipboard, HtmlRoundTripAndFormats) {
+  test::ScopedFakeUi ui;
+  XBuffer html;
+  html._Write("<b>bold</b>", 11);
+  ASSERT_TRUE(html.AddHTMLClipboardData(nullptr));
+  const uint32_t format = test::Fake().formats[u"HTML Format"];
+  const std::string& raw = test::Fake().clipboard[format];
+  EXPECT_EQ(raw.rfind("Version:0.9\r\nStartHTML:", 0), 0u);
+  auto field = [&](const char* name) {
+    return std::stoul(raw.substr(raw.find(name) + std::strlen(name), 10));
+  };
+  EXPECT_EQ(raw.substr(field("StartFragment:"), 11), "<b>bold</b>");
+  EXPECT_EQ(field("EndFragment:") - field("StartFragment:"), 11u);
+  EXPECT_EQ(field("EndHTML:") + 1, raw.size()) << "the offsets count the stored bytes";
+
+  XBuffer back;
+  ASSERT_TRUE(back.GetHTMLFormat(nullptr));
+  EXPECT_EQ(std::string(static_cast<char*>(back.GetBuffer()), back.GetBufferPos()), "<b>bold</b>");
+  // A header with offsets outside the data gives the whole data.
+  test::Fake().clipboard[format] = "StartFragment:0000000005\r\nEndFragment:0000009999\r\nxy";
+  ASSERT_TRUE(back.GetHTMLFormat(nullptr));
+  EXPECT_EQ(back.GetBufferPos(), test::Fake().clipboard[format].size());
+
+  ASSERT_TRUE(back.Set(u"<") && back.AddClipboardFormatName(format));
+  EXPECT_EQ(Data(back), u"<HTML Format");
+  EXPECT_FALSE(back.AddClipboardFormatName(12345));
+  const uint32_t wanted[] = {99, format, 0};
+  EXPECT_TRUE(back.IsClipboardFormatAvailable(wanted));
+  EXPECT_FALSE(back.IsClipboardFormatAvailable(wanted, 1));
+  EXPECT_FALSE(back.IsClipboardNativeTextFormatAvailable());
 }
 
 }  // namespace

@@ -110,13 +110,5 @@ TEST(LocalBuffer, EmptyTextAndMisuse) {
   EXPECT_EQ(XError::InternalErrorCode, 1001);
 }
 
-TEST(LocalBuffer, DefaultTableHasNoEditControls) {
-  MakeEdit(9, u"x");
-  WLocalBuffer b;
-  EXPECT_FALSE(b.ShareTextHandle(Window(9), kShareTextOwn));
-  XLocalFree(Fake().edit_handles[9]);
-  Fake().edit_handles.clear();
-}
-
 }  // namespace
 }  // namespace tavi

@@ -89,48 +89,39 @@ TEST(BitStream, ByteExamples) {
   EXPECT_EQ(sink.bytes.back(), 0x03);
 }
 
-TEST(BitStream, FieldsOfEveryWidthAtEveryOffsetRoundTrip) {
+// Fields of widths 1 to 64 back to back start at every offset for each width; the
+// byte run then starts at the offset of the lead field.
+TEST(BitStream, FieldsAndBytesAtEveryOffsetRoundTrip) {
   std::mt19937_64 rng(7);
-  for (uint32_t offset = 0; offset < 8; ++offset) {
-    for (uint32_t width = 1; width <= 64; ++width) {
-      SCOPED_TRACE(testing::Message() << "offset " << offset << " width " << width);
-      const uint64_t value = rng();
-      XBuffer buffer;
-      XBitStream out(&buffer);
-      ASSERT_TRUE(out.SetBits(uint64_t{0x55}, offset) && out.SetBits(value, width) &&
-                  out.SetBits(uint64_t{1}, 1) && out._Flush());
-      EXPECT_EQ(buffer.GetBufferPos(), (offset + width + 1 + 7) / 8);
-
-      XBitStream in(&buffer);
-      uint64_t lead, got, marker;
-      ASSERT_TRUE(in.GetBits(lead, offset) && in.GetBits(got, width) && in.GetBits(marker, 1));
-      EXPECT_EQ(got, width == 64 ? value : value & ((uint64_t{1} << width) - 1));
-      EXPECT_EQ(marker, 1u);
-      EXPECT_EQ(lead, 0x55u & ((1u << offset) - 1));
-    }
-  }
-}
-
-TEST(BitStream, BytesAtEveryOffsetAreExactInverses) {
+  std::vector<uint8_t> data(3000);  // more than one round of the 1024-byte area
   for (uint32_t offset = 0; offset < 8; ++offset) {
     SCOPED_TRACE(offset);
+    uint64_t values[65];
+    for (uint64_t& v : values) v = rng();
+    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(i * 37 + offset);
     XBuffer buffer;
     XBitStream out(&buffer);
-    std::vector<uint8_t> data(3000);  // more than one round of the 1024-byte area
-    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(i * 37 + offset);
-    ASSERT_TRUE(out.SetBits(uint64_t{0}, offset) &&
-                out._Write(data.data(), static_cast<uint32_t>(data.size())) && out.SetByte(0x9C) &&
+    ASSERT_TRUE(out.SetBits(uint64_t{0x55}, offset));
+    for (uint32_t width = 1; width <= 64; ++width) ASSERT_TRUE(out.SetBits(values[width], width));
+    ASSERT_TRUE(out._Write(data.data(), 3000) && out.SetByte(0x9C) && out.SetBit(true) &&
                 out._Flush());
+    EXPECT_EQ(buffer.GetBufferPos(), (offset + 64 * 65 / 2 + 8 * 3001 + 1 + 7) / 8);
 
     XBitStream in(&buffer);
-    uint64_t skip;
+    uint64_t got;
+    ASSERT_TRUE(in.GetBits(got, offset));
+    EXPECT_EQ(got, 0x55u & ((1u << offset) - 1));
+    for (uint32_t width = 1; width <= 64; ++width) {
+      ASSERT_TRUE(in.GetBits(got, width));
+      EXPECT_EQ(got, width == 64 ? values[width] : values[width] & ((uint64_t{1} << width) - 1));
+    }
     std::vector<uint8_t> back(data.size());
     uint8_t last;
-    ASSERT_TRUE(in.GetBits(skip, offset));
-    ASSERT_EQ(in._Read(back.data(), static_cast<uint32_t>(back.size())), back.size());
-    ASSERT_TRUE(in.GetByte(last));
+    bool marker;
+    ASSERT_EQ(in._Read(back.data(), 3000), 3000u);
+    ASSERT_TRUE(in.GetByte(last) && in.GetBit(marker));
     EXPECT_EQ(back, data);
-    EXPECT_EQ(last, 0x9C);
+    EXPECT_TRUE(last == 0x9C && marker);
   }
 }
 
@@ -224,7 +215,7 @@ TEST(BitStream, WordArraysRoundTrip) {
       << "the rest of the last word is 0";
 }
 
-TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
+TEST(BitStream, FailuresComeFromTheNextStream) {
   XBuffer buffer;
   buffer._Write("\xFF", 1);
   XBitStream in(&buffer);
@@ -233,7 +224,6 @@ TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
   EXPECT_FALSE(in.GetBits(v, 12));
   EXPECT_TRUE(in.IsOk()) << "the next stream's \"no error\" was imported";
   EXPECT_TRUE(buffer.EoB());
-
   test::Source source(std::string("\x01\x02", 2));
   XBitStream partial(&source);
   partial.SetErrorCode(kErrCheckFailed);
@@ -241,14 +231,11 @@ TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
   EXPECT_TRUE(partial.IsOk());
   uint8_t byte;
   EXPECT_FALSE(XBitStream(&source).GetByte(byte));
-}
 
-TEST(BitStream, WriteFailuresAreImported) {
   Sink sink(1);
   XBitStream bits(&sink);
   EXPECT_TRUE(bits.SetBits(uint64_t{1}, 7));
   EXPECT_EQ(test::Fail(bits.SetBits(uint64_t{1}, 2), bits), kErrTooLong);
-
   Sink flush_sink;
   flush_sink.fail_flush = true;
   XBitStream f(&flush_sink);

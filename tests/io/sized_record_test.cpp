@@ -180,37 +180,26 @@ void BuildRecord(XBuffer& record, const char16_t* name, const char* note) {
   ASSERT_TRUE(XSizedRecord::SetSize(record));
 }
 
-TEST(SizedRecord, MemoryAccess) {
-  XBuffer record;
-  BuildRecord(record, u"name", nullptr);
-  const XSizedRecord* r = XSizedRecord::At(record.GetBuffer());
-  EXPECT_EQ(r->GetSize(), 12u + 4 + 8);
-  const uint32_t name = internal::LoadLE32(r->_GetData(4));
-  EXPECT_EQ(name, 16u);
-  EXPECT_EQ(r->GetStringSize(name), 8u);
-  EXPECT_EQ(std::memcmp(r->GetData(name), u"name", 8), 0);
-  EXPECT_EQ(internal::LoadLE32(r->_GetData(8)), 0u) << "a missing note";
-  EXPECT_EQ(r->GetData(0), nullptr);
-  EXPECT_EQ(r->GetStringSize(0), 0u);
-  EXPECT_EQ(XSizedRecord::GetData(record, 0), nullptr);
-  EXPECT_EQ(XSizedRecord::GetData(record, name), record._GetBufferAt(name));
-  EXPECT_EQ(reinterpret_cast<const uint8_t*>(r->GetNextRecord()), record.GetStringEnd());
-
-  record.SetBufferPos(3);
-  EXPECT_EQ(Fail(XSizedRecord::SetSize(record), record), kErrOutOfRange);
-}
-
-TEST(SizedRecord, StreamRoundTripOfRecordsAndTheirStrings) {
+TEST(SizedRecord, MemoryAccessAndStreamRoundTrip) {
   XBuffer record;
   BuildRecord(record, u"caf\u00E9", "note");
   const uint8_t* base = record._GetBufferAt(0);
-  XBuffer stream;
-  ASSERT_TRUE(XWriteSizedRecord(stream, XSizedRecord::At(base)) &&
-              XWriteSizedRecord(stream, nullptr) && XWriteSizedRecord(stream, 0, nullptr));
-  ASSERT_TRUE(XWriteSizedString16(stream, internal::LoadLE32(base + 4), base, true) &&
-              XWriteSizedString8(stream, internal::LoadLE32(base + 8), base) &&
-              XWriteSizedString8(stream, 0, base));
+  const XSizedRecord* r = XSizedRecord::At(base);
+  EXPECT_EQ(r->GetSize(), 12u + 4 + 8 + 4 + 4);
+  const uint32_t name = internal::LoadLE32(base + 4), note = internal::LoadLE32(base + 8);
+  EXPECT_EQ(name, 16u);
+  EXPECT_EQ(r->GetStringSize(name), 8u);
+  EXPECT_EQ(std::memcmp(r->GetData(name), u"caf\u00E9", 8), 0);
+  EXPECT_TRUE(r->GetData(0) == nullptr && r->GetStringSize(0) == 0);
+  EXPECT_EQ(XSizedRecord::GetData(record, 0), nullptr);
+  EXPECT_EQ(XSizedRecord::GetData(record, note), record._GetBufferAt(28));
+  EXPECT_EQ(reinterpret_cast<const uint8_t*>(r->GetNextRecord()), record.GetStringEnd());
 
+  XBuffer stream;
+  ASSERT_TRUE(XWriteSizedRecord(stream, r) && XWriteSizedRecord(stream, nullptr) &&
+              XWriteSizedRecord(stream, 0, nullptr));
+  ASSERT_TRUE(XWriteSizedString16(stream, name, base, true) &&
+              XWriteSizedString8(stream, note, base) && XWriteSizedString8(stream, 0, base));
   XBuffer work;
   ASSERT_TRUE(XReadSizedRecord(work, stream));
   EXPECT_EQ(Data(work), Data(record));
@@ -222,22 +211,20 @@ TEST(SizedRecord, StreamRoundTripOfRecordsAndTheirStrings) {
   uint32_t offset = 99;
   ASSERT_TRUE(XReadSizedRecord(built, offset, stream));  // the empty record of size 4
   EXPECT_EQ(offset, 4u);
-  EXPECT_EQ(built.GetBufferPos(), 8u);
-  uint32_t name, note, none = 5;
-  ASSERT_TRUE(XReadSizedString16(built, stream, name, true) &&
-              XReadSizedString8(built, stream, note) && XReadSizedString8(built, stream, none));
-  EXPECT_EQ(none, 0u);
-  EXPECT_TRUE(stream.EoB());
-  const XSizedRecord* b = XSizedRecord::At(built.GetBuffer());
-  EXPECT_EQ(b->GetStringSize(name), 8u);
-  EXPECT_EQ(std::memcmp(b->GetData(name), u"caf\u00E9", 8), 0);
-  EXPECT_EQ(b->GetStringSize(note), 4u);
-  EXPECT_EQ(std::memcmp(b->GetData(note), "note", 4), 0);
+  uint32_t name2, note2, none = 5;
+  ASSERT_TRUE(XReadSizedString16(built, stream, name2, true) &&
+              XReadSizedString8(built, stream, note2) && XReadSizedString8(built, stream, none));
+  EXPECT_TRUE(name2 == 12 && note2 == 24 && none == 0 && stream.EoB());
+  // Size fields and strings as the record holds them.
+  EXPECT_EQ(std::vector<uint8_t>(built._GetBufferAt(8), built.GetStringEnd()),
+            std::vector<uint8_t>(base + 12, base + 32));
 
   Source zero(Bytes({0, 0, 0, 0}));
   ASSERT_TRUE(XReadSizedRecord(built, offset, zero));
   EXPECT_EQ(offset, 0u) << "a missing record appends nothing";
-  EXPECT_EQ(built.GetBufferPos(), 8u + 4 + 8 + 4 + 4);
+  EXPECT_EQ(built.GetBufferPos(), 28u);
+  built.SetBufferPos(3);
+  EXPECT_EQ(Fail(XSizedRecord::SetSize(built), built), kErrOutOfRange);
 }
 
 TEST(SizedRecord, BadSizesAreRefused) {
@@ -245,6 +232,7 @@ TEST(SizedRecord, BadSizesAreRefused) {
     Source source(Bytes({size, 0, 0, 0, 'x', 'y'}));
     XBuffer work;
     EXPECT_EQ(Fail(XReadSizedRecord(work, source), source), kErrEndOfData);
+    EXPECT_EQ(source.Left(), 2u) << "refused before the body is read";
   }
   Source short_size(Bytes({8, 0}));
   XBuffer work;
