@@ -18,16 +18,16 @@ namespace tavi {
 namespace {
 
 using Sizes = std::vector<uint32_t>;
-// Allocated size, data end and read cursor.
-using State = std::tuple<uint32_t, uint32_t, uint32_t>;
 
-State StateOf(const XBuffer& b) {
-  return {b.GetBufferSize(), b.GetBufferPos(), b.GetCurrentPos()};
+// What a call left: the error it reported (kOk when it succeeded, 0 when it failed
+// without one), then the allocated size, the data end and the read cursor.
+constexpr uint32_t kOk = ~0u;
+using State = std::tuple<uint32_t, uint32_t, uint32_t, uint32_t>;
+State Did(bool ok, const XBuffer& b) {
+  return {ok ? kOk : b.GetErrorCode(), b.GetBufferSize(), b.GetBufferPos(), b.GetCurrentPos()};
 }
-
-// The error a call that must fail left behind (~0 when it succeeded).
-uint32_t Fail(bool ok, const XError& e) {
-  return ok ? ~0u : e.GetErrorCode();
+State StateOf(const XBuffer& b) {
+  return Did(true, b);
 }
 
 // The data as text; the text members also keep a 0 code unit right after it.
@@ -36,6 +36,9 @@ std::u16string Data(const XBuffer& b) {
     EXPECT_EQ(*b._GetStringAt(b.GetBufferPos() / 2), 0) << "terminated";
   }
   return std::u16string(reinterpret_cast<const char16_t*>(b.GetBuffer()), b.GetBufferPos() / 2);
+}
+std::string Bytes(const XBuffer& b) {
+  return std::string(static_cast<const char*>(b.GetBuffer()), b.GetBufferPos());
 }
 
 // The count an edit returned and the text it left.
@@ -50,9 +53,9 @@ XBuffer Text(const char16_t* s) {
   return b;
 }
 
-XBuffer Digits() {
+XBuffer Filled(const char* bytes) {
   XBuffer b;
-  b._Write("0123456789", 10);
+  b._Write(bytes, static_cast<uint32_t>(std::strlen(bytes)));
   return b;
 }
 
@@ -96,56 +99,46 @@ TEST(BufferGrowth, StepsOfTheGranularity) {
 TEST(BufferGrowth, SizesNearTheLimit) {
   RecordingBuffer b;
   b.fail = true;
-  EXPECT_EQ(Fail(b.AllocBuffer(0xFFFFFFF0u), b), kErrNoMemory);
+  EXPECT_EQ(Did(b.AllocBuffer(0xFFFFFFF0u), b), State(kErrNoMemory, 0, 0, 0));
   EXPECT_EQ(b.requests, Sizes{0xFFFFFFF0u}) << "no rounding near the limit";
-  EXPECT_EQ(b.GetBufferSize(), 0u);
   b.SetWinError(5);
-  EXPECT_EQ(Fail(b.AllocBuffer(10), b), 5u) << "out of memory only when no error is pending";
+  EXPECT_EQ(Did(b.AllocBuffer(10), b), State(5, 0, 0, 0))
+      << "out of memory only when no error is pending";
   for (uint32_t size : {0xFFFFFFFEu, 0xFFFFFFFFu}) {
     RecordingBuffer c;
-    EXPECT_EQ(Fail(c.AllocBuffer(size), c), kErrOutOfRange);
+    EXPECT_EQ(Did(c.AllocBuffer(size), c), State(kErrOutOfRange, 0, 0, 0));
     EXPECT_TRUE(c.requests.empty());
   }
-}
-
-TEST(BufferGrowth, GrowAndReserveTestTheAllocatedSize) {
-  XBuffer b;
-  ASSERT_TRUE(b._Write("abc", 3));
-  // The overflow test adds the allocated size (32), the request adds the data end (3).
-  EXPECT_EQ(Fail(b.GrowBuffer(0xFFFFFFFFu - 31), b), kErrOutOfRange);
-  ASSERT_TRUE(b.GrowBuffer(29));
-  EXPECT_EQ(b.GetBufferSize(), 32u);
-  ASSERT_TRUE(b.GrowBuffer(30));
-  EXPECT_EQ(b.ReserveBufferMem(5), b._GetBufferAt(3));
-  EXPECT_EQ(StateOf(b), State(64, 8, 0));
+  // Growing tests the allocated size (32) for overflow; the request adds the data end (3).
+  XBuffer g = Filled("abc");
+  EXPECT_EQ(Did(g.GrowBuffer(0xFFFFFFFFu - 31), g), State(kErrOutOfRange, 32, 3, 0));
+  EXPECT_EQ(Did(g.GrowBuffer(29), g), State(kOk, 32, 3, 0));
+  ASSERT_TRUE(g.GrowBuffer(30));
+  EXPECT_EQ(g.ReserveBufferMem(5), g._GetBufferAt(3));
+  EXPECT_EQ(StateOf(g), State(kOk, 64, 8, 0));
 }
 
 TEST(BufferAttach, SizeMinusOneAndNoGrowth) {
   char block[10] = "123456789";
   XBuffer b;
   b.AttachBuffer(block, 10, true);
-  EXPECT_EQ(StateOf(b), State(9, 10, 0));
-  EXPECT_FALSE(b._Write("x", 1));
-  EXPECT_TRUE(b.IsOk()) << "an attached block fails to grow without an error";
+  EXPECT_EQ(StateOf(b), State(kOk, 9, 10, 0));
+  EXPECT_EQ(Did(b._Write("x", 1), b), State(0, 9, 10, 0)) << "no growth, no error";
   // Reset forgets the block but keeps its recorded size; the next write allocates.
-  ASSERT_TRUE(b.ResetBuffer());
+  EXPECT_EQ(Did(b.ResetBuffer(), b), State(kOk, 9, 0, 0));
   EXPECT_EQ(b.GetBuffer(), nullptr);
-  EXPECT_EQ(StateOf(b), State(9, 0, 0));
   ASSERT_TRUE(b._Write("xy", 2));
   EXPECT_EQ(std::memcmp(block, "123456789", 10), 0);
 
   XBuffer half;
   half.AttachBuffer(block, 10, false);
-  EXPECT_EQ(StateOf(half), State(9, 0, 0));
-  EXPECT_TRUE(half._Write("abcdefghi", 9));
+  EXPECT_EQ(Did(half._Write("abcdefghi", 9), half), State(kOk, 9, 9, 0));
   EXPECT_FALSE(half._Write("j", 1));
   half.FreeBuffer();  // attached: not freed (asan checks)
   EXPECT_EQ(block[0], 'a');
-
   XBuffer none;
   none.AttachBuffer(block, 0, false);
-  EXPECT_EQ(StateOf(none), State(0, 0, 0)) << "a block of no bytes has no usable byte";
-  EXPECT_FALSE(none.AllocBuffer(1));
+  EXPECT_EQ(Did(none.AllocBuffer(1), none), State(0, 0, 0, 0)) << "no bytes, no usable byte";
 }
 
 TEST(BufferAttach, AssumeTakesOwnership) {
@@ -153,105 +146,92 @@ TEST(BufferAttach, AssumeTakesOwnership) {
   std::memcpy(block, "abcdefgh", 8);
   XBuffer b;
   b.AssumeBuffer(block, 8, true);
-  EXPECT_EQ(StateOf(b), State(7, 8, 0));
+  EXPECT_EQ(StateOf(b), State(kOk, 7, 8, 0));
   ASSERT_TRUE(b._Write("i", 1));  // grows the assumed block
-  EXPECT_EQ(std::memcmp(b.GetBuffer(), "abcdefghi", 9), 0);
+  EXPECT_EQ(Bytes(b), "abcdefghi");
 
-  XBuffer other;
-  ASSERT_TRUE(other._Write("zz", 2));
+  XBuffer other = Filled("zz");
   other.SetErrorCode(kErrEndOfData);
   other._SetCurrentPos(1);
   b.AssumeBuffer(other);
-  EXPECT_EQ(StateOf(b), State(32, 2, 1));
-  EXPECT_EQ(StateOf(other), State(0, 0, 0));
-  EXPECT_EQ(other.GetErrorCode(), kErrEndOfData) << "the error stays with its object";
+  EXPECT_EQ(StateOf(b), State(kOk, 32, 2, 1));
+  // The error stays with its object.
+  EXPECT_EQ(Did(false, other), State(kErrEndOfData, 0, 0, 0));
 }
 
 TEST(BufferCopy, SharedBlocksAndAppendsOfOwnData) {
-  XBuffer a;
-  ASSERT_TRUE(a._Write("0123456789abcdefghijklmnopqrstu", 31));
+  XBuffer a = Filled("0123456789abcdefghijklmnopqrstu");
   XBuffer b = a;
   b.DiscardBufferOwnership();  // only one side may free the block
   static_cast<char*>(a.GetBuffer())[0] = 'j';
   EXPECT_EQ(static_cast<char*>(b.GetBuffer())[0], 'j');
   EXPECT_FALSE(b.AllocBuffer(100)) << "the side without ownership never grows the block";
   // The source lies in the block that the write reallocates.
-  ASSERT_TRUE(a._Write(b.GetBuffer(), 31));
-  ASSERT_TRUE(a._Write(a._GetBufferAt(10), 40));
+  ASSERT_TRUE(a._Write(b.GetBuffer(), 31) && a._Write(a._GetBufferAt(10), 40));
   EXPECT_EQ(std::memcmp(a._GetBufferAt(31), "j123456789abcdefghijklmnopqrstu", 31), 0);
   EXPECT_EQ(std::memcmp(a._GetBufferAt(62), a._GetBufferAt(10), 40), 0);
 
   void* block = a.GetBuffer();
   a.DiscardBuffer();
   EXPECT_EQ(a.GetBuffer(), nullptr);
-  EXPECT_EQ(StateOf(a), State(0, 0, 0));
+  EXPECT_EQ(StateOf(a), State(kOk, 0, 0, 0));
   std::free(block);  // a must not free it again
 }
 
 TEST(BufferPositions, DataEndChecks) {
-  XBuffer b = Digits();
+  XBuffer b = Filled("0123456789");
   ASSERT_TRUE(b.SetCurrentPos(8));
-  ASSERT_TRUE(b.SetBufferPos(5));
-  EXPECT_EQ(b.GetCurrentPos(), 5u) << "the cursor is lowered with the data end";
-  EXPECT_EQ(Fail(b.SetBufferPos(33), b), kErrOutOfRange);
-  EXPECT_TRUE(b.SetBufferPos(32) && b.SetBufferPos(5)) << "up to the allocated size";
-  EXPECT_TRUE(b.ShiftBufferPos(-5));
-  EXPECT_EQ(Fail(b.ShiftBufferPos(-1), b), kErrOutOfRange);
-  EXPECT_TRUE(b.ShiftBufferPos(100)) << "the data end may pass the allocation";
-  EXPECT_EQ(StateOf(b), State(32, 100, 5)) << "and the cursor is not adjusted";
+  // The cursor is lowered with the data end, which may reach the allocated size.
+  EXPECT_EQ(Did(b.SetBufferPos(5), b), State(kOk, 32, 5, 5));
+  EXPECT_EQ(Did(b.SetBufferPos(33), b), State(kErrOutOfRange, 32, 5, 5));
+  EXPECT_EQ(Did(b.SetBufferPos(32), b), State(kOk, 32, 32, 5));
+  EXPECT_EQ(Did(b.ShiftBufferPos(-32), b), State(kOk, 32, 0, 5));
+  EXPECT_EQ(Did(b.ShiftBufferPos(-1), b), State(kErrOutOfRange, 32, 0, 5));
+  // Shifting may pass the allocation and leaves the cursor alone.
+  EXPECT_EQ(Did(b.ShiftBufferPos(100), b), State(kOk, 32, 100, 5));
   b._SetBufferPos(0xFFFFFFF0u);
   EXPECT_FALSE(b.ShiftBufferPos(0x10));
   EXPECT_TRUE(b.ShiftBufferPos(0x0F));
   b._SetBufferPos(10);
-  EXPECT_TRUE(b.SetStringPos(3) && b.ShiftStringPos(-1));
-  EXPECT_EQ(b.GetBufferPos(), 4u);
+  EXPECT_EQ(Did(b.SetStringPos(3) && b.ShiftStringPos(-1), b), State(kOk, 32, 4, 5));
 }
 
 TEST(BufferPositions, CursorChecksTestTheOldValue) {
   // Callers park the cursor anywhere; the next checked call notices it.
-  XBuffer b = Digits();
-  EXPECT_TRUE(b.SetCurrentPos(1000));
-  EXPECT_EQ(Fail(b.ResetCurrentPos(), b), kErrOutOfRange);
-  EXPECT_FALSE(b.SetCurrentPos(0));
-  EXPECT_FALSE(b.ShiftCurrentPos(-995));
+  XBuffer b = Filled("0123456789");
+  EXPECT_EQ(Did(b.SetCurrentPos(1000), b), State(kOk, 32, 10, 1000));
+  EXPECT_EQ(Did(b.ResetCurrentPos(), b), State(kErrOutOfRange, 32, 10, 1000));
+  EXPECT_FALSE(b.SetCurrentPos(0) || b.ShiftCurrentPos(-995));
   EXPECT_EQ(b.GetCurrentPos(), 1000u);
   b._SetCurrentPos(10);
-  EXPECT_TRUE(b.ShiftCurrentPos(50));
-  EXPECT_EQ(b.GetCurrentPos(), 60u);
+  EXPECT_EQ(Did(b.ShiftCurrentPos(50), b), State(kOk, 32, 10, 60));
   char c;
   EXPECT_EQ(b._Read(&c, 1), 0u) << "a cursor beyond the data reads nothing";
   b._SetCurrentPos(3);
-  EXPECT_TRUE(b.ResetCurrentPos());
-  EXPECT_EQ(b.GetCurrentPos(), 0u);
+  EXPECT_EQ(Did(b.ResetCurrentPos(), b), State(kOk, 32, 10, 0));
 }
 
 TEST(BufferStream, ReadsSkipsAndUnreads) {
-  XBuffer b = Digits();
+  XBuffer b = Filled("0123456789");
   char out[100];
   EXPECT_EQ(b._Read(out, 4), 4u);
   EXPECT_EQ(b._Read(out, 100), 6u);
   EXPECT_TRUE(b.IsOk()) << "a short read is the end of data, not an error";
   b._SetCurrentPos(8);
-  EXPECT_EQ(Fail(b._ShiftForward(3), b), kErrEndOfData);
-  EXPECT_EQ(b.GetCurrentPos(), 8u);
-  EXPECT_TRUE(b._ShiftForward(2));
-  EXPECT_TRUE(b.EoB());
+  EXPECT_EQ(Did(b._ShiftForward(3), b), State(kErrEndOfData, 32, 10, 8));
+  EXPECT_EQ(Did(b._ShiftForward(2), b), State(kOk, 32, 10, 10));
   // Unreading takes back the last written code unit, not the cursor.
-  EXPECT_TRUE(b._UnreadChar(u'x'));
-  EXPECT_EQ(StateOf(b), State(32, 8, 10));
+  EXPECT_EQ(Did(b._UnreadChar(u'x'), b), State(kOk, 32, 8, 10));
   b._SetBufferPos(1);
-  EXPECT_EQ(Fail(b._UnreadChar(u'x'), b), kErrCannotUnread);
+  EXPECT_EQ(Did(b._UnreadChar(u'x'), b), State(kErrCannotUnread, 32, 1, 10));
 }
 
 TEST(BufferStream, TransfersToAndFromOtherStreams) {
-  XBuffer source;
-  ASSERT_TRUE(source._Write("abcdef", 6));
-  XBuffer target;
-  ASSERT_TRUE(target._Write("x", 1));
+  XBuffer source = Filled("abcdef"), target = Filled("x");
   EXPECT_TRUE(target.ReadToBuffer(source, 4));
-  EXPECT_EQ(Fail(target.ReadToBuffer(source, 4), target), kErrEndOfData);
-  EXPECT_EQ(target.GetBufferPos(), 7u) << "what arrived is kept";
-  EXPECT_EQ(source.GetErrorCode(), kErrEndOfData) << "the source is told too";
+  // What arrived is kept, and the source is told too.
+  EXPECT_EQ(Did(target.ReadToBuffer(source, 4), target), State(kErrEndOfData, 32, 7, 0));
+  EXPECT_EQ(source.GetErrorCode(), kErrEndOfData);
   char fixed[4];
   XBuffer small;
   small.AttachBuffer(fixed, 4, false);
@@ -263,15 +243,13 @@ TEST(BufferStream, TransfersToAndFromOtherStreams) {
   XBuffer saved;
   target._SetCurrentPos(3);
   ASSERT_TRUE(target.SaveBuffer(saved));
-  EXPECT_EQ(std::string(static_cast<char*>(saved.GetBuffer()), saved.GetBufferPos()), "xabcdef")
-      << "the whole data, wherever the cursor is";
+  EXPECT_EQ(Bytes(saved), "xabcdef") << "the whole data, wherever the cursor is";
   // ReadTo moves exactly the count, to another buffer or to itself.
   ASSERT_TRUE(saved.ReadTo(source, 4) && saved.ReadTo(saved, 3));
-  EXPECT_EQ(std::memcmp(saved.GetBuffer(), "xabcdefdef", 10), 0);
-  EXPECT_EQ(Fail(saved.ReadTo(source, 4), saved), kErrEndOfData);
-  EXPECT_EQ(source.GetErrorCode(), kErrEndOfData);
-  EXPECT_EQ(source.GetBufferPos(), 10u) << "nothing is written on a short read";
-  EXPECT_TRUE(saved.EoB()) << "what was left is consumed";
+  EXPECT_EQ(Bytes(saved), "xabcdefdef");
+  // Nothing is written on a short read, and what was left is consumed.
+  EXPECT_EQ(Did(saved.ReadTo(source, 4), saved), State(kErrEndOfData, 32, 10, 10));
+  EXPECT_EQ(Did(false, source), State(kErrEndOfData, 32, 10, 0));
 }
 
 TEST(BufferText, AddAndSetForms) {

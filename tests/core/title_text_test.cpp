@@ -198,32 +198,25 @@ TEST(TitleText, ReadSlotAndStringResourceAttach) {
 TEST(TitleText, Comparisons) {
   const TTitleText none, a = Owned(u"a"), b = Owned(u"b"), ab = Owned(u"ab"), upper = Owned(u"A");
   const auto bytes = [](uintptr_t n) { return reinterpret_cast<const void*>(n); };
-  // A missing text sorts first, comparison is case-sensitive, prefix forms compare only
-  // the first text's length.
-  const int kResults[][2] = {{CompareTitleText(&none, &none), 0},
-                             {CompareTitleText(&none, &a), -1},
-                             {CompareTitleText(&a, &none), 1},
-                             {CompareTitleText(&a, &b), -1},
-                             {CompareTitleText(&b, &a), 1},
-                             {CompareTitleText(&a, &ab), -1},
-                             {CompareTitleText(&a, &upper) != 0, 1},
-                             {CompareTitleChars(u"b", &b), 0},
-                             {CompareTitleChars(nullptr, &b), -1},
-                             {CompareTitleChars(nullptr, &none), 0},
-                             {CompareTitleChars(u"", &none), 1},
-                             {ComparePrefixTitleText(&a, &ab), 0},
-                             {ComparePrefixTitleText(&ab, &a), 1},
-                             {ComparePrefixTitleChars(u"abc", &ab, bytes(4)), 0},
-                             {ComparePrefixTitleChars(u"abc", &ab, bytes(6)), 1},
-                             {ComparePrefixTitleChars(u"b", &ab, bytes(2)), 1},
-                             {CheckTitleText(&none, &none), 1},
-                             {CheckTitleText(&none, &a), 0},
-                             {CheckTitleText(&ab, &ab), 1},
-                             {CheckTitleText(&a, &ab), 0},
-                             {CheckTitleChars(&ab, u"ab"), 1},
-                             {CheckTitleChars(&ab, nullptr), 0},
-                             {CheckTitleChars(&none, nullptr), 1}};
-  for (size_t i = 0; i < std::size(kResults); ++i) EXPECT_EQ(kResults[i][0], kResults[i][1]) << i;
+  using V = std::vector<int>;
+  // A missing text sorts first; the order is case-sensitive.
+  EXPECT_EQ((V{CompareTitleText(&none, &none), CompareTitleText(&none, &a),
+               CompareTitleText(&a, &none), CompareTitleText(&a, &b), CompareTitleText(&b, &a),
+               CompareTitleText(&a, &ab), CompareTitleText(&a, &upper) != 0}),
+            (V{0, -1, 1, -1, 1, -1, 1}));
+  EXPECT_EQ((V{CompareTitleChars(u"b", &b), CompareTitleChars(nullptr, &b),
+               CompareTitleChars(nullptr, &none), CompareTitleChars(u"", &none)}),
+            (V{0, -1, 0, 1}));
+  // The prefix forms compare only the first text's length (for chars, a byte count).
+  EXPECT_EQ((V{ComparePrefixTitleText(&a, &ab), ComparePrefixTitleText(&ab, &a),
+               ComparePrefixTitleChars(u"abc", &ab, bytes(4)),
+               ComparePrefixTitleChars(u"abc", &ab, bytes(6)),
+               ComparePrefixTitleChars(u"b", &ab, bytes(2))}),
+            (V{0, 1, 0, 1, 1}));
+  EXPECT_EQ((V{CheckTitleText(&none, &none), CheckTitleText(&none, &a), CheckTitleText(&ab, &ab),
+               CheckTitleText(&a, &ab), CheckTitleChars(&ab, u"ab"), CheckTitleChars(&ab, nullptr),
+               CheckTitleChars(&none, nullptr)}),
+            (V{1, 0, 1, 0, 1, 0, 1}));
 }
 
 TEST(TitleText, WindowAndClipboardText) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 #include <random>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -162,11 +163,10 @@ TEST(PackNumber, EveryFamilyAcrossItsBoundaries) {
 
 TEST(PackNumber, ThirtyTwoBitFormsRefuseLongerValues) {
   const std::vector<uint8_t> bytes = Bytes({0xFC, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4, 5});  // 5 bytes
-  Source source(bytes);
+  Source source(bytes), signed_source(bytes);
   uint32_t v;
-  EXPECT_EQ(test::Fail(_ReadPackNumber32(source, v), source), kErrEndOfData);
-  Source signed_source(bytes);
   int32_t s;
+  EXPECT_EQ(test::Fail(_ReadPackNumber32(source, v), source), kErrEndOfData);
   EXPECT_EQ(test::Fail(_ReadPackNumber32(signed_source, s), signed_source), kErrEndOfData);
   uint64_t wide;
   GetPackNumber32(wide, bytes.data(), nullptr);
@@ -221,13 +221,10 @@ TEST(PackNumber, BitFormsRoundTripAtEveryOffset) {
     uint64_t skip;
     ASSERT_TRUE(in.GetBits(skip, offset));
     for (uint64_t v : values) {
-      uint16_t a;
-      uint32_t b;
-      uint64_t c;
-      ASSERT_TRUE(ReadPackNumber(in, a) && ReadPackNumber(in, b) && ReadPackNumber(in, c));
-      EXPECT_EQ(a, static_cast<uint16_t>(v));
-      EXPECT_EQ(b, static_cast<uint32_t>(v));
-      EXPECT_EQ(c, v);
+      std::tuple<uint16_t, uint32_t, uint64_t> got;
+      ASSERT_TRUE(ReadPackNumber(in, std::get<0>(got)) && ReadPackNumber(in, std::get<1>(got)) &&
+                  ReadPackNumber(in, std::get<2>(got)));
+      EXPECT_EQ(got, std::make_tuple(static_cast<uint16_t>(v), static_cast<uint32_t>(v), v));
     }
     EXPECT_TRUE(buffer.EoB());
   }
