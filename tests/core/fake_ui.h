@@ -57,7 +57,7 @@ inline uint32_t CopyOut(const std::u16string& s, char16_t* out, uint32_t capacit
 inline const XUserInterface& FakeTable() {
   static const XUserInterface table = {
       [](XWindow, const char16_t* text, const char16_t* caption, uint32_t style) {
-        Fake().boxes.push_back({text, caption, style});
+        Fake().boxes.push_back({text ? text : u"", caption ? caption : u"", style});
         return Fake().answer;
       },
       [](XWindow w) -> uint32_t {
@@ -70,7 +70,7 @@ inline const XUserInterface& FakeTable() {
       [](XWindow w, const char16_t* text) {
         auto it = Fake().windows.find(Id(w));
         if (it == Fake().windows.end()) return XSetLastError(1400), false;
-        it->second = text;
+        it->second = text ? text : u"";
         return true;
       },
       [](XWindow dialog, int32_t item) { return Window(Id(dialog) * 100 + item); },

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "core/fake_ui.h"
 
@@ -13,6 +14,8 @@ namespace {
 
 using test::Fake;
 using test::Window;
+
+using V = std::vector<int>;
 
 std::u16string Str(const XString16& s) {
   return s.c_str();
@@ -42,19 +45,16 @@ TEST(String16, EveryWriteIsTerminated) {
 }
 
 TEST(String16, CompareIsLinguisticAndPutsMissingTextsFirst) {
-  XString16 none, s;
-  EXPECT_EQ(none.Compare(static_cast<const char16_t*>(nullptr)), 0);
-  EXPECT_EQ(none.Compare(u""), -1);
+  const char16_t* null = nullptr;
+  XString16 none, s, accented;
   s.Set(u"apple");
-  EXPECT_EQ(s.Compare(static_cast<const char16_t*>(nullptr)), 1);
-  EXPECT_EQ(s.Compare(none), 1);
-  EXPECT_EQ(s.Compare(u"apple"), 0);
-  // Code units put "Banana" first ('B' < 'a'); a linguistic order does not.
-  EXPECT_EQ(s.Compare(u"Banana"), -1);
-  EXPECT_EQ(s.Compare(u"Apple"), -1) << "case-sensitive: lower case first";
-  s.Set(u"\u00e9t\u00e9");
-  EXPECT_EQ(s.Compare(u"ete"), 1);
-  EXPECT_EQ(s.Compare(u"f"), -1);
+  accented.Set(u"\u00e9t\u00e9");
+  // Code units would put "Banana" first ('B' < 'a'); a linguistic order does not, and
+  // it is case-sensitive with lower case first.
+  EXPECT_EQ((V{none.Compare(null), none.Compare(u""), s.Compare(null), s.Compare(none),
+               s.Compare(u"apple"), s.Compare(u"Banana"), s.Compare(u"Apple"),
+               accented.Compare(u"ete"), accented.Compare(u"f")}),
+            (V{0, -1, 1, 1, 0, -1, -1, 1, -1}));
 }
 
 TEST(String16, SetLowerConvertsToUpperCase) {
@@ -82,10 +82,9 @@ TEST(String8, TwinsCountBytes) {
   EXPECT_STREQ(s.c_str(), "hello world");
   EXPECT_EQ(s.GetLenght(), 11u);
   s.Set("abc");
-  EXPECT_EQ(XString8().Compare(static_cast<const char*>(nullptr)), 0);
-  EXPECT_EQ(s.Compare("abd"), -1);
-  EXPECT_EQ(s.Compare("ABC"), -1);
-  EXPECT_EQ(s.Compare("abc"), 0);
+  EXPECT_EQ((V{XString8().Compare(static_cast<const char*>(nullptr)), s.Compare("abd"),
+               s.Compare("ABC"), s.Compare("abc")}),
+            (V{0, -1, -1, 0}));
 
   char text[] = "a\r\nb\rc\r\n\r\n";
   EXPECT_EQ(std::string(text, XRemoveDOSNewLines(text, sizeof text - 1)), "a\nb\rc\n\n");

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "test_streams.h"
@@ -62,10 +63,13 @@ struct Reference {
   }
 };
 
-void ExpectSameState(const XBitStream& s, const Reference& r) {
-  EXPECT_EQ(s.GetBitMask(), r.mask);
-  EXPECT_EQ(s.GetUsedBits(), r.used);
-  EXPECT_EQ(s.GetCurrentByte(), r.current);
+// The pending state: next bit mask, used positions and pending byte.
+using State = std::tuple<int, int, int>;
+State StateOf(const XBitStream& s) {
+  return {s.GetBitMask(), s.GetUsedBits(), s.GetCurrentByte()};
+}
+State StateOf(const Reference& r) {
+  return {r.mask, r.used, r.current};
 }
 
 TEST(BitStream, ByteExamples) {
@@ -73,20 +77,17 @@ TEST(BitStream, ByteExamples) {
   XBitStream bits(&sink);
   for (int i = 0; i < 3; ++i) ASSERT_TRUE(bits.SetBit(true));
   EXPECT_TRUE(sink.bytes.empty()) << "a partial byte stays pending";
+  EXPECT_EQ(StateOf(bits), State(0x08, 0x07, 0x07));
   ASSERT_TRUE(bits._Flush());
-  EXPECT_EQ(sink.bytes, Bytes({0x07}));
-  EXPECT_TRUE(bits.IsByteAligned());
-
+  EXPECT_EQ(StateOf(bits), State(0x01, 0, 0));
+  // The full byte goes out during the call.
   ASSERT_TRUE(bits.SetBits(uint64_t{0x1FF}, 9));
-  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF})) << "the full byte goes out during the call";
-  EXPECT_EQ(bits.GetUsedBits(), 0x01);
-  ASSERT_TRUE(bits.SetBits(uint64_t{0x2}, 2));  // pending 101, used 0x07
-  ASSERT_TRUE(bits.SetByte(0xAB));
-  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF, 0x05 | 0xA8}));
-  EXPECT_EQ(bits.GetUsedBits(), 0x07);
-  EXPECT_EQ(bits.GetCurrentByte(), 0x03);
+  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF}));
+  EXPECT_EQ(StateOf(bits), State(0x02, 0x01, 0x01));
+  ASSERT_TRUE(bits.SetBits(uint64_t{0x2}, 2) && bits.SetByte(0xAB));  // pending 101, used 0x07
+  EXPECT_EQ(StateOf(bits), State(0x08, 0x07, 0x03));
   ASSERT_TRUE(bits._Flush());
-  EXPECT_EQ(sink.bytes.back(), 0x03);
+  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF, 0x05 | 0xA8, 0x03}));
 }
 
 // Fields of widths 1 to 64 back to back start at every offset for each width; the
@@ -156,7 +157,7 @@ TEST(BitStream, AgreesWithBitByBitReference) {
           ASSERT_TRUE(bits.SetBits(&value, count % 65));
           for (uint32_t b = 0; b < count % 65; ++b) ref.SetBit((value >> b) & 1);
       }
-      ExpectSameState(bits, ref);
+      EXPECT_EQ(StateOf(bits), StateOf(ref));
       ASSERT_EQ(Data(buffer), ref.out);
     }
     ASSERT_TRUE(bits._Flush());
@@ -194,7 +195,7 @@ TEST(BitStream, AgreesWithBitByBitReference) {
       ASSERT_EQ(got_ok, ok);
       if (!ok) break;
       EXPECT_EQ(got, expect);
-      ExpectSameState(reader, rd);
+      EXPECT_EQ(StateOf(reader), StateOf(rd));
       ASSERT_EQ(buffer.GetCurrentPos(), rd.pos) << "never reads ahead";
     }
   }

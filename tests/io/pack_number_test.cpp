@@ -96,9 +96,10 @@ uint32_t UsedBytes(uint64_t v) {
 // least `unit` of them), read back from a stream without reading ahead, and decoded
 // from memory. Every cut of the longest code fails with the end of data.
 template <typename T>
-void CheckFamily(const char* name, bool (*write)(XIO&, T), bool (*read)(XIO&, T&),
+void CheckFamily(bool (*write)(XIO&, T), bool (*read)(XIO&, T&),
                  void (*get)(T&, const void*, const void**), uint64_t direct_max, uint32_t unit) {
-  SCOPED_TRACE(name);
+  SCOPED_TRACE(testing::Message() << "unit " << unit << ", " << (std::is_signed_v<T> ? "" : "u")
+                                  << "int" << 8 * sizeof(T));
   const uint64_t code_max = std::numeric_limits<std::make_unsigned_t<T>>::max();
   std::vector<uint64_t> codes = {0, 1, direct_max - 1, direct_max, direct_max + 1, direct_max + 2};
   for (uint32_t bits = 8; bits <= 64; bits += 8) {
@@ -139,26 +140,21 @@ void CheckFamily(const char* name, bool (*write)(XIO&, T), bool (*read)(XIO&, T&
 }
 
 TEST(PackNumber, EveryFamilyAcrossItsBoundaries) {
-  CheckFamily<uint16_t>("8/u16", _WritePackNumber, _ReadPackNumber, GetPackNumber, 253, 1);
-  CheckFamily<int16_t>("8/i16", _WritePackNumber, _ReadPackNumber, GetPackNumber, 253, 1);
-  CheckFamily<uint32_t>("8/u32", _WritePackNumber, _ReadPackNumber, GetPackNumber, 251, 1);
-  CheckFamily<int32_t>("8/i32", _WritePackNumber, _ReadPackNumber, GetPackNumber, 251, 1);
-  CheckFamily<uint64_t>("8/u64", _WritePackNumber, _ReadPackNumber, GetPackNumber, 247, 1);
-  CheckFamily<int64_t>("8/i64", _WritePackNumber, _ReadPackNumber, GetPackNumber, 247, 1);
-  CheckFamily<uint32_t>("16/u32", _WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65532, 2);
-  CheckFamily<int32_t>("16/i32", _WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65532, 2);
-  CheckFamily<uint64_t>("16/u64", _WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65528, 2);
-  CheckFamily<int64_t>("16/i64", _WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65528, 2);
-  CheckFamily<uint64_t>("24/u64", _WritePackNumber24, _ReadPackNumber24, GetPackNumber24, 0xFFFFF9,
-                        3);
-  CheckFamily<uint32_t>("32/u32", _WritePackNumber32, _ReadPackNumber32, GetPackNumber32,
-                        0xFFFFFFFA, 4);
-  CheckFamily<int32_t>("32/i32", _WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA,
-                       4);
-  CheckFamily<uint64_t>("32/u64", _WritePackNumber32, _ReadPackNumber32, GetPackNumber32,
-                        0xFFFFFFFA, 4);
-  CheckFamily<int64_t>("32/i64", _WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA,
-                       4);
+  CheckFamily<uint16_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 253, 1);
+  CheckFamily<int16_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 253, 1);
+  CheckFamily<uint32_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 251, 1);
+  CheckFamily<int32_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 251, 1);
+  CheckFamily<uint64_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 247, 1);
+  CheckFamily<int64_t>(_WritePackNumber, _ReadPackNumber, GetPackNumber, 247, 1);
+  CheckFamily<uint32_t>(_WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65532, 2);
+  CheckFamily<int32_t>(_WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65532, 2);
+  CheckFamily<uint64_t>(_WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65528, 2);
+  CheckFamily<int64_t>(_WritePackNumber16, _ReadPackNumber16, GetPackNumber16, 65528, 2);
+  CheckFamily<uint64_t>(_WritePackNumber24, _ReadPackNumber24, GetPackNumber24, 0xFFFFF9, 3);
+  CheckFamily<uint32_t>(_WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA, 4);
+  CheckFamily<int32_t>(_WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA, 4);
+  CheckFamily<uint64_t>(_WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA, 4);
+  CheckFamily<int64_t>(_WritePackNumber32, _ReadPackNumber32, GetPackNumber32, 0xFFFFFFFA, 4);
 }
 
 TEST(PackNumber, ThirtyTwoBitFormsRefuseLongerValues) {

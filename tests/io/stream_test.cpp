@@ -107,8 +107,10 @@ TEST(Stream, SixtyFourBitFormsSplitIntoPieces) {
 
 TEST(Stream, TextWriters) {
   XString16 b;
-  const char16_t text[] = u"abcdef";
-  ASSERT_TRUE(b.WriteStringZone(text, text + 3));
+  const char* text = reinterpret_cast<const char*>(u"abcdef");
+  // The zone's byte distance is rounded down to whole code units.
+  ASSERT_TRUE(b.WriteStringZone(reinterpret_cast<const char16_t*>(text),
+                                reinterpret_cast<const char16_t*>(text + 7)));
   EXPECT_EQ(std::u16string(b.c_str()), u"abc");
   b.ResetBufferPos();
   ASSERT_TRUE(b.WriteStringPatern(u"xyz", 3, 7));
@@ -138,11 +140,7 @@ TEST(Stream, LengthPrefixedStrings) {
   // Short data fails; a length far beyond the data is refused without allocating it.
   stream._Write("\x03\x00", 2);
   EXPECT_EQ(Fail(stream.Read(text), stream), kErrEndOfData);
-  XBuffer hostile;
-  hostile._Write(
-      "\x00\xFF\xFF\xFF"
-      "abcdef",
-      10);
+  test::Source hostile(test::Bytes({0, 0xFF, 0xFF, 0xFF, 'a', 'b', 'c', 'd', 'e', 'f'}));
   EXPECT_EQ(Fail(hostile.Read(bytes), hostile), kErrEndOfData);
   EXPECT_LT(bytes.GetBufferSize(), 4u << 20);
   EXPECT_STREQ(bytes.c_str(), "abcdef");
