@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <string>
 #include <vector>
@@ -121,41 +122,6 @@ TEST(SizedString, MalformedUtf8IsRefused) {
   }
 }
 
-TEST(SizedString, HugeCountsFailWithoutAllocatingThem) {
-  // Counts of 2^32-1 code units with a few bytes behind them.
-  const std::vector<uint8_t> huge = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'a', 0, 'b', 0});
-  for (bool utf8 : {false, true}) {
-    Source source(huge);
-    XBuffer out;
-    EXPECT_EQ(Fail(XReadSizedString16(source, out, utf8), source), kErrEndOfData);
-    Source again(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x3F, 'a', 0, 'b', 0}));
-    RecordingBuffer record;
-    record._Write("HEAD", 4);
-    uint32_t offset = 77;
-    EXPECT_EQ(Fail(XReadSizedString16(record, again, offset, utf8), again), kErrEndOfData);
-    EXPECT_EQ(record.GetBufferPos(), 4u) << "what was appended is taken back";
-    EXPECT_EQ(offset, 77u);
-    EXPECT_LE(record.largest, kMostAllocated);
-  }
-  Source bytes(Bytes({0xFF, 0x00, 0xFF, 0xFF, 0xFF, 'x'}));
-  RecordingBuffer record;
-  uint32_t offset;
-  EXPECT_EQ(Fail(XReadSizedString8(record, bytes, offset), bytes), kErrEndOfData);
-  EXPECT_EQ(record.GetBufferPos(), 0u);
-  EXPECT_LE(record.largest, kMostAllocated);
-
-  // A wide count whose bytes cannot follow the record in 32 bits.
-  Source wide(huge);
-  XBuffer small;
-  EXPECT_EQ(Fail(XReadSizedString16(small, wide, offset, false), wide), kErrTooLong);
-
-  // A target that fails passes its error to the source.
-  XBuffer stream;
-  XWriteSizedString(stream, u"abc", 6, true);
-  Sink sink(1);
-  EXPECT_EQ(Fail(XReadSizedString16(stream, sink, true), stream), kErrTooLong);
-}
-
 // A record: size field, the offsets of a wide name and of an 8-bit note, then the strings.
 void BuildRecord(XBuffer& record, const char16_t* name, const char* note) {
   ASSERT_NE(record.ReserveBufferMem(12), nullptr);
@@ -224,24 +190,58 @@ TEST(SizedRecord, BadSizesAreRefused) {
   Source short_size(Bytes({8, 0}));
   XBuffer work;
   EXPECT_EQ(Fail(XReadSizedRecord(work, short_size), short_size), kErrEndOfData);
-
-  // Sizes near 4 GiB with little behind them: refused before or as the data runs out.
-  Source hostile(Bytes({0xFE, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4, 5, 6, 7, 8}));
-  XBuffer built;
-  built._Write("abc", 3);
-  uint32_t offset = 1;
-  EXPECT_EQ(Fail(XReadSizedRecord(built, offset, hostile), hostile), kErrTooLong)
-      << "cannot follow 3 bytes in 32 bits";
-  EXPECT_EQ(built.GetBufferPos(), 3u);
-  Source hostile2(Bytes({0xF0, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4, 5, 6, 7, 8}));
-  RecordingBuffer empty;
-  EXPECT_EQ(Fail(XReadSizedRecord(empty, hostile2), hostile2), kErrEndOfData);
-  EXPECT_EQ(empty.GetBufferPos(), 0u);
-  EXPECT_LE(empty.largest, kMostAllocated);
-
   XBuffer out;
   uint8_t broken[4] = {2, 0, 0, 0};
   EXPECT_EQ(Fail(XWriteSizedRecord(out, XSizedRecord::At(broken)), out), kErrOutOfRange);
+  // A target that fails passes its error to the source.
+  XBuffer stream;
+  XWriteSizedString(stream, u"abc", 6, true);
+  Sink sink(1);
+  EXPECT_EQ(Fail(XReadSizedString16(stream, sink, true), stream), kErrTooLong);
+}
+
+// Hostile counts and sizes with a few bytes behind them are refused before or as the
+// data runs out: what was appended is taken back, and no block grows much beyond the
+// data that arrived.
+TEST(SizedRecord, HostileCountsAndSizesAreRefused) {
+  uint32_t offset = 77;
+  const auto units_max = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'a', 0, 'b', 0});  // 2^32-1
+  const auto units_1g = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x3F, 'a', 0, 'b', 0});
+  const struct {
+    std::function<bool(XBuffer&, XIO&)> read;
+    std::vector<uint8_t> bytes;
+    uint32_t error, end;
+  } kCases[] = {
+      {[](XBuffer& r, XIO& s) { return XReadSizedString16(s, r, false); }, units_max, kErrEndOfData,
+       4},
+      {[](XBuffer& r, XIO& s) { return XReadSizedString16(s, r, true); }, units_max, kErrEndOfData,
+       4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, false); }, units_1g,
+       kErrEndOfData, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, true); }, units_1g,
+       kErrEndOfData, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString8(r, s, offset); },
+       Bytes({0xFF, 0x00, 0xFF, 0xFF, 0xFF, 'x'}), kErrEndOfData, 4},
+      // The record's 4 bytes and these no longer fit 32 bits.
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, false); }, units_max,
+       kErrTooLong, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedRecord(r, offset, s); },
+       Bytes({0xFC, 0xFF, 0xFF, 0xFF, 1, 2}), kErrTooLong, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedRecord(r, offset, s); },
+       Bytes({0xFB, 0xFF, 0xFF, 0xFF, 1, 2}), kErrEndOfData, 4},
+      {[](XBuffer& r, XIO& s) { return XReadSizedRecord(r, s); },  // starts at byte 0
+       Bytes({0xF0, 0xFF, 0xFF, 0xFF, 1, 2}), kErrEndOfData, 0},
+  };
+  for (size_t i = 0; i < std::size(kCases); ++i) {
+    SCOPED_TRACE(i);
+    RecordingBuffer record;
+    record._Write("HEAD", 4);
+    Source source(kCases[i].bytes);
+    EXPECT_EQ(Fail(kCases[i].read(record, source), source), kCases[i].error);
+    EXPECT_EQ(record.GetBufferPos(), kCases[i].end);
+    EXPECT_LE(record.largest, kMostAllocated);
+  }
+  EXPECT_EQ(offset, 77u);
 }
 
 TEST(SizedRecord, AddSizedStringForms) {
