@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <string>
+#include <tuple>
 
 #include "core/fake_ui.h"
 #include "tavi/core/string.h"
@@ -90,8 +91,7 @@ TEST(Error, MessageChoosesTextBySourceAndConsumesTheError) {
     XError e;
     e.SetError(c.code, c.source);
     EXPECT_EQ(Message(e), c.text);
-    EXPECT_EQ(e.GetErrorCode(), 0u);
-    EXPECT_EQ(e.GetErrorSource(), 0);
+    EXPECT_TRUE(e.GetErrorCode() == 0 && e.GetErrorSource() == 0) << "consumed";
   }
 }
 
@@ -139,9 +139,9 @@ TEST(Error, MessageBoxesGoThroughTheUserInterfaceTable) {
   Fake().answer = 1;
   EXPECT_EQ(e.ErrorMessage(nullptr), 1);
   ASSERT_EQ(Fake().boxes.size(), 1u);
-  EXPECT_EQ(Fake().boxes[0].text, Lib(kErrEndOfData));
-  EXPECT_EQ(Fake().boxes[0].caption, Lib(kStrErrorCaption));
-  EXPECT_EQ(Fake().boxes[0].style, 16u);
+  const test::MessageBoxCall& box = Fake().boxes[0];
+  EXPECT_EQ(std::tie(box.text, box.caption, box.style),
+            std::make_tuple(Lib(kErrEndOfData), Lib(kStrErrorCaption), 16u));
   EXPECT_TRUE(e.IsOk());
 
   // The name length is a byte count: 6 bytes are three characters.

@@ -91,10 +91,11 @@ TEST(BitStream, ByteExamples) {
 }
 
 // Fields of widths 1 to 64 back to back start at every offset for each width; the
-// byte run then starts at the offset of the lead field.
-TEST(BitStream, FieldsAndBytesAtEveryOffsetRoundTrip) {
+// byte run and a word array of 142 bits then start at the offset of the lead field.
+TEST(BitStream, FieldsBytesAndWordsAtEveryOffsetRoundTrip) {
   std::mt19937_64 rng(7);
   std::vector<uint8_t> data(3000);  // more than one round of the 1024-byte area
+  const uint64_t words[3] = {0x0123456789ABCDEFull, 0xFEDCBA9876543210ull, 0x3FFFull};
   for (uint32_t offset = 0; offset < 8; ++offset) {
     SCOPED_TRACE(offset);
     uint64_t values[65];
@@ -104,9 +105,9 @@ TEST(BitStream, FieldsAndBytesAtEveryOffsetRoundTrip) {
     XBitStream out(&buffer);
     ASSERT_TRUE(out.SetBits(uint64_t{0x55}, offset));
     for (uint32_t width = 1; width <= 64; ++width) ASSERT_TRUE(out.SetBits(values[width], width));
-    ASSERT_TRUE(out._Write(data.data(), 3000) && out.SetByte(0x9C) && out.SetBit(true) &&
+    ASSERT_TRUE(out._Write(data.data(), 3000) && out.SetByte(0x9C) && out.SetBits(words, 142) &&
                 out._Flush());
-    EXPECT_EQ(buffer.GetBufferPos(), (offset + 64 * 65 / 2 + 8 * 3001 + 1 + 7) / 8);
+    EXPECT_EQ(buffer.GetBufferPos(), (offset + 64 * 65 / 2 + 8 * 3001 + 142 + 7) / 8);
 
     XBitStream in(&buffer);
     uint64_t got;
@@ -118,11 +119,12 @@ TEST(BitStream, FieldsAndBytesAtEveryOffsetRoundTrip) {
     }
     std::vector<uint8_t> back(data.size());
     uint8_t last;
-    bool marker;
+    uint64_t back_words[3] = {1, 1, ~uint64_t{0}};  // the rest of the last word becomes 0
     ASSERT_EQ(in._Read(back.data(), 3000), 3000u);
-    ASSERT_TRUE(in.GetByte(last) && in.GetBit(marker));
-    EXPECT_EQ(back, data);
-    EXPECT_TRUE(last == 0x9C && marker);
+    ASSERT_TRUE(in.GetByte(last) && in.GetBits(back_words, 142));
+    EXPECT_TRUE(back == data && last == 0x9C);
+    EXPECT_EQ(std::vector<uint64_t>(back_words, back_words + 3),
+              std::vector<uint64_t>(words, words + 3));
   }
 }
 
@@ -199,21 +201,6 @@ TEST(BitStream, AgreesWithBitByBitReference) {
       ASSERT_EQ(buffer.GetCurrentPos(), rd.pos) << "never reads ahead";
     }
   }
-}
-
-TEST(BitStream, WordArraysRoundTrip) {
-  const uint64_t words[3] = {0x0123456789ABCDEFull, 0xFEDCBA9876543210ull, 0x3FFFull};
-  XBuffer buffer;
-  XBitStream out(&buffer);
-  ASSERT_TRUE(out.SetBit(true) && out.SetBits(words, 128 + 14) && out._Flush());
-  EXPECT_EQ(buffer.GetBufferPos(), (1u + 142 + 7) / 8);
-
-  XBitStream in(&buffer);
-  bool first;
-  uint64_t back[3] = {1, 1, ~uint64_t{0}};
-  ASSERT_TRUE(in.GetBit(first) && in.GetBits(back, 142));
-  EXPECT_EQ(std::vector<uint64_t>(back, back + 3), std::vector<uint64_t>(words, words + 3))
-      << "the rest of the last word is 0";
 }
 
 TEST(BitStream, FailuresComeFromTheNextStream) {
