@@ -45,39 +45,37 @@ inline XWindow Window(uintptr_t id) {
 inline uintptr_t Id(XWindow w) {
   return reinterpret_cast<uintptr_t>(w);
 }
-inline std::u16string Text(const char16_t* s) {
-  return s ? std::u16string(s) : std::u16string();
+
+// Copies s into out (capacity code units with the terminator); the count copied.
+inline uint32_t CopyOut(const std::u16string& s, char16_t* out, uint32_t capacity) {
+  if (capacity == 0) return 0;
+  const auto n = static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
+  out[s.copy(out, n)] = 0;
+  return n;
 }
 
 inline const XUserInterface& FakeTable() {
   static const XUserInterface table = {
       [](XWindow, const char16_t* text, const char16_t* caption, uint32_t style) {
-        Fake().boxes.push_back({Text(text), Text(caption), style});
+        Fake().boxes.push_back({text ? text : u"", caption ? caption : u"", style});
         return Fake().answer;
       },
       [](XWindow w) -> uint32_t {
-        return Fake().windows.count(Id(w)) ? static_cast<uint32_t>(Fake().windows[Id(w)].size())
-                                           : 0u;
+        auto it = Fake().windows.find(Id(w));
+        return it != Fake().windows.end() ? static_cast<uint32_t>(it->second.size()) : 0u;
       },
-      [](XWindow w, char16_t* text, uint32_t capacity) -> uint32_t {
-        const std::u16string& s = Fake().windows[Id(w)];
-        if (capacity == 0) return 0;
-        const auto n = static_cast<uint32_t>(std::min<size_t>(s.size(), capacity - 1));
-        text[s.copy(text, n)] = 0;
-        return n;
+      [](XWindow w, char16_t* text, uint32_t capacity) {
+        return CopyOut(Fake().windows[Id(w)], text, capacity);
       },
       [](XWindow w, const char16_t* text) {
         auto it = Fake().windows.find(Id(w));
         if (it == Fake().windows.end()) return XSetLastError(1400), false;
-        it->second = Text(text);
+        it->second = text ? text : u"";
         return true;
       },
       [](XWindow dialog, int32_t item) { return Window(Id(dialog) * 100 + item); },
       [](XWindow w) { return Fake().windows.count(Id(w)) != 0; },
-      [](XWindow w, bool) {
-        Fake().invalidated.push_back(Id(w));
-        return true;
-      },
+      [](XWindow w, bool) { return Fake().invalidated.push_back(Id(w)), true; },
       [](XWindow w) {
         return Fake().edit_handles.count(Id(w)) ? Fake().edit_handles[Id(w)] : XLocalMemory{};
       },
@@ -96,17 +94,13 @@ inline const XUserInterface& FakeTable() {
       [](uint32_t format) { return Fake().clipboard.count(format) != 0; },
       [](const char16_t* name) {
         auto& f = Fake().formats;
-        return f.emplace(Text(name), 0xC000u + static_cast<uint32_t>(f.size())).first->second;
+        return f.emplace(name, 0xC000u + static_cast<uint32_t>(f.size())).first->second;
       },
       [](uint32_t format, char16_t* name, uint32_t capacity) -> uint32_t {
         for (const auto& [n, id] : Fake().formats) {
-          if (id == format && n.size() < capacity) {
-            name[n.copy(name, n.size())] = 0;
-            return static_cast<uint32_t>(n.size());
-          }
+          if (id == format && n.size() < capacity) return CopyOut(n, name, capacity);
         }
-        XSetLastError(87);
-        return 0;
+        return XSetLastError(87), 0u;
       },
   };
   return table;

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include "core/fake_ui.h"
 
@@ -25,6 +26,12 @@ void MakeEdit(uintptr_t id, const std::u16string& text) {
 
 std::u16string Data(const XBuffer& b) {
   return std::u16string(reinterpret_cast<const char16_t*>(b.GetBuffer()), b.GetBufferPos() / 2);
+}
+
+// What a call returned, whether the buffer is then attached, and its text.
+using Shape = std::tuple<bool, bool, std::u16string>;
+Shape After(bool ok, const WLocalBuffer& b) {
+  return {ok, b.GetBufferAttached(), Data(b)};
 }
 
 TEST(LocalMemory, HandlesLocksAndSizes) {
@@ -55,18 +62,15 @@ TEST(LocalBuffer, ShareOwnedTakesTheControlsText) {
   test::ScopedFakeUi ui;
   MakeEdit(5, u"edit text");
   WLocalBuffer b;
-  ASSERT_TRUE(b.ShareTextHandle(Window(5), kShareTextOwn));
-  EXPECT_EQ(Data(b), u"edit text");
-  EXPECT_EQ(b.GetHandle(), Fake().edit_handles[5]);
-  EXPECT_FALSE(b.GetBufferAttached());
-  EXPECT_EQ(b.GetBufferSize(), 18u);
+  EXPECT_EQ(After(b.ShareTextHandle(Window(5), kShareTextOwn), b),
+            Shape(true, false, u"edit text"));
+  EXPECT_TRUE(b.GetHandle() == Fake().edit_handles[5] && b.GetBufferSize() == 18);
   ASSERT_TRUE(b.Add(u"!"));
   EXPECT_FALSE(b.GiveTextHandle(Window(5), false)) << "the control already has this block";
   // Another control takes the block and frees its own.
   MakeEdit(6, u"other");
   ASSERT_TRUE(b.GiveTextHandle(Window(6), true));
-  EXPECT_EQ(b.GetBuffer(), nullptr);
-  EXPECT_EQ(b.GetHandle(), nullptr);
+  EXPECT_TRUE(b.GetBuffer() == nullptr && b.GetHandle() == nullptr);
   EXPECT_EQ(Fake().invalidated, std::vector<uintptr_t>{6});
   EXPECT_EQ(std::u16string(static_cast<const char16_t*>(XLocalLock(Fake().edit_handles[6]))),
             u"edit text!");
@@ -80,13 +84,9 @@ TEST(LocalBuffer, TakeLeavesTheControlAFreshBlock) {
   XLocalMemory original = Fake().edit_handles[6];
   {
     WLocalBuffer b;
-    ASSERT_TRUE(b.ShareTextHandle(Window(6), kShareTextTake));
-    EXPECT_TRUE(b.GetBufferAttached());
-    EXPECT_EQ(Data(b), u"mine");
-    EXPECT_NE(Fake().edit_handles[6], original);
-    EXPECT_EQ(XLocalSize(Fake().edit_handles[6]), 0u);
-    EXPECT_TRUE(b.DetachTextHandle());
-    EXPECT_EQ(b.GetBuffer(), nullptr);
+    EXPECT_EQ(After(b.ShareTextHandle(Window(6), kShareTextTake), b), Shape(true, true, u"mine"));
+    EXPECT_TRUE(Fake().edit_handles[6] != original && XLocalSize(Fake().edit_handles[6]) == 0);
+    EXPECT_EQ(After(b.DetachTextHandle(), b), Shape(true, false, u""));
   }
   XLocalFree(original);
 }
@@ -108,14 +108,6 @@ TEST(LocalBuffer, EmptyTextAndMisuse) {
   attached.AttachBuffer(block, sizeof block, false);
   EXPECT_FALSE(attached.DetachTextHandle());
   EXPECT_EQ(XError::InternalErrorCode, 1001);
-}
-
-TEST(LocalBuffer, DefaultTableHasNoEditControls) {
-  MakeEdit(9, u"x");
-  WLocalBuffer b;
-  EXPECT_FALSE(b.ShareTextHandle(Window(9), kShareTextOwn));
-  XLocalFree(Fake().edit_handles[9]);
-  Fake().edit_handles.clear();
 }
 
 }  // namespace

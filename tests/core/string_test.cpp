@@ -5,9 +5,17 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
+
+#include "core/fake_ui.h"
 
 namespace tavi {
 namespace {
+
+using test::Fake;
+using test::Window;
+
+using V = std::vector<int>;
 
 std::u16string Str(const XString16& s) {
   return s.c_str();
@@ -37,19 +45,16 @@ TEST(String16, EveryWriteIsTerminated) {
 }
 
 TEST(String16, CompareIsLinguisticAndPutsMissingTextsFirst) {
-  XString16 none, s;
-  EXPECT_EQ(none.Compare(static_cast<const char16_t*>(nullptr)), 0);
-  EXPECT_EQ(none.Compare(u""), -1);
+  const char16_t* null = nullptr;
+  XString16 none, s, accented;
   s.Set(u"apple");
-  EXPECT_EQ(s.Compare(static_cast<const char16_t*>(nullptr)), 1);
-  EXPECT_EQ(s.Compare(none), 1);
-  EXPECT_EQ(s.Compare(u"apple"), 0);
-  // Code units put "Banana" first ('B' < 'a'); a linguistic order does not.
-  EXPECT_EQ(s.Compare(u"Banana"), -1);
-  EXPECT_EQ(s.Compare(u"Apple"), -1) << "case-sensitive: lower case first";
-  s.Set(u"\u00e9t\u00e9");
-  EXPECT_EQ(s.Compare(u"ete"), 1);
-  EXPECT_EQ(s.Compare(u"f"), -1);
+  accented.Set(u"\u00e9t\u00e9");
+  // Code units would put "Banana" first ('B' < 'a'); a linguistic order does not, and
+  // it is case-sensitive with lower case first.
+  EXPECT_EQ((V{none.Compare(null), none.Compare(u""), s.Compare(null), s.Compare(none),
+               s.Compare(u"apple"), s.Compare(u"Banana"), s.Compare(u"Apple"),
+               accented.Compare(u"ete"), accented.Compare(u"f")}),
+            (V{0, -1, 1, 1, 0, -1, -1, 1, -1}));
 }
 
 TEST(String16, SetLowerConvertsToUpperCase) {
@@ -62,8 +67,6 @@ TEST(String16, SetLowerConvertsToUpperCase) {
   EXPECT_EQ(Str(s), u"Ab\u00c4");
   s._SetLower(0);
   EXPECT_EQ(Str(s), u"ab\u00c4");
-  s.SetUpper(3);  // at the data end: nothing happens
-  EXPECT_EQ(s[3], 0);
 
   XString8 n;
   n.Set("abc");
@@ -71,22 +74,17 @@ TEST(String16, SetLowerConvertsToUpperCase) {
   EXPECT_STREQ(n.c_str(), "aBc");
   n._SetLower(1);
   EXPECT_STREQ(n.c_str(), "abc");
-  n.SetUpper(3);
-  EXPECT_EQ(n[3], 0);
 }
 
 TEST(String8, TwinsCountBytes) {
   XString8 s;
-  ASSERT_TRUE(s.Set("hello"));
-  ASSERT_TRUE(s.Add(" world"));
+  ASSERT_TRUE(s.Set("hello") && s.Add(" world"));
   EXPECT_STREQ(s.c_str(), "hello world");
-  EXPECT_EQ(s.GetBufferPos(), 11u);
   EXPECT_EQ(s.GetLenght(), 11u);
   s.Set("abc");
-  EXPECT_EQ(XString8().Compare(static_cast<const char*>(nullptr)), 0);
-  EXPECT_EQ(s.Compare("abd"), -1);
-  EXPECT_EQ(s.Compare("ABC"), -1);
-  EXPECT_EQ(s.Compare("abc"), 0);
+  EXPECT_EQ((V{XString8().Compare(static_cast<const char*>(nullptr)), s.Compare("abd"),
+               s.Compare("ABC"), s.Compare("abc")}),
+            (V{0, -1, -1, 0}));
 
   char text[] = "a\r\nb\rc\r\n\r\n";
   EXPECT_EQ(std::string(text, XRemoveDOSNewLines(text, sizeof text - 1)), "a\nb\rc\n\n");
@@ -94,36 +92,49 @@ TEST(String8, TwinsCountBytes) {
   EXPECT_EQ(XRemoveDOSNewLines(plain, 4), 4u) << "a final lone carriage return stays";
 }
 
-TEST(StreamStrings, LengthPrefixedLayoutRoundTrips) {
-  XString16 text;
-  text.Set(u"AB");
-  XString8 bytes;
-  bytes.Set("bytes");
-  XBuffer stream;
-  ASSERT_TRUE(stream.Write(text) && stream.Write(bytes));
-  const uint8_t layout[] = {4, 0, 0, 0, 'A', 0, 'B', 0, 5, 0, 0, 0, 'b', 'y', 't', 'e', 's'};
-  ASSERT_EQ(stream.GetBufferPos(), sizeof layout);
-  EXPECT_EQ(std::memcmp(stream.GetBuffer(), layout, sizeof layout), 0);
-  XString16 text2;
-  XString8 bytes2;
-  ASSERT_TRUE(stream.Read(text2) && stream.Read(bytes2));
-  EXPECT_EQ(Str(text2), u"AB");
-  EXPECT_EQ(text2.GetBufferPos(), 4u);
-  EXPECT_STREQ(bytes2.c_str(), "bytes");
+TEST(StringWindows, WindowAndDialogItemText) {
+  test::ScopedFakeUi ui;
+  Fake().windows[1] = u"caption";
+  XString16 s;
+  ASSERT_TRUE(s.WndGetText(Window(1)));
+  EXPECT_EQ(Str(s), u"caption");
+  EXPECT_EQ(s.GetBufferPos(), 14u);
+  EXPECT_FALSE(s.WndSetText(Window(2)));
+  EXPECT_EQ(s.GetErrorSource(), kErrSourcePlatform);
+  // Dialog items are the controls the table names (dialog 3, item 4: window 304).
+  Fake().windows[304] = u"item";
+  ASSERT_TRUE(s.DlgGetItemText(Window(3), 4));
+  EXPECT_EQ(Str(s), u"item");
+  s.Set(u"changed");
+  ASSERT_TRUE(s.DlgSetItemText(Window(3), 4));
+  EXPECT_EQ(Fake().windows[304], u"changed");
 
-  // Short data fails; a length far beyond the data is refused without allocating it.
-  stream._Write("\x03\x00", 2);
-  EXPECT_FALSE(stream.Read(text2));
-  EXPECT_EQ(stream.GetErrorCode(), kErrEndOfData);
-  XBuffer hostile;
-  hostile._Write(
-      "\x00\xFF\xFF\xFF"
-      "abcdef",
-      10);
-  EXPECT_FALSE(hostile.Read(bytes2));
-  EXPECT_EQ(hostile.GetErrorCode(), kErrEndOfData);
-  EXPECT_LT(bytes2.GetBufferSize(), 4u << 20);
-  EXPECT_STREQ(bytes2.c_str(), "abcdef");
+  XString8 narrow;
+  Fake().windows[5] = u"gr\u00fc\u00dfe \u4e16";
+  ASSERT_TRUE(narrow.WndGetText(Window(5)));
+  EXPECT_STREQ(narrow.c_str(),
+               "gr\xfc\xdf"
+               "e ?")
+      << "no byte for the last character";
+  EXPECT_EQ(narrow.WndGetTextLength(Window(5)), 7u);
+  ASSERT_TRUE(narrow.WndSetText(Window(5)));
+  EXPECT_EQ(Fake().windows[5], u"gr\u00fc\u00dfe ?");
+}
+
+TEST(StringWindows, ClipboardTextKeepsItsTerminator) {
+  test::ScopedFakeUi ui;
+  XString16 wide;
+  wide.Set(u"hi");
+  ASSERT_TRUE(wide.CopyToClipboard(nullptr));
+  EXPECT_EQ(Fake().clipboard[kClipboardUnicodeText], std::string("h\0i\0\0\0", 6));
+  EXPECT_EQ(wide.GetBufferPos(), 4u);
+  XString8 narrow;
+  narrow.Set("yo");
+  ASSERT_TRUE(narrow.AddClipboardData(nullptr));
+  EXPECT_EQ(Fake().clipboard[kClipboardText], std::string("yo\0", 3));
+  EXPECT_EQ(Fake().clipboard.size(), 2u) << "adding keeps the other formats";
+  ASSERT_TRUE(narrow.CopyToClipboard(nullptr));
+  EXPECT_EQ(Fake().clipboard.size(), 1u);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include "test_streams.h"
@@ -62,10 +63,13 @@ struct Reference {
   }
 };
 
-void ExpectSameState(const XBitStream& s, const Reference& r) {
-  EXPECT_EQ(s.GetBitMask(), r.mask);
-  EXPECT_EQ(s.GetUsedBits(), r.used);
-  EXPECT_EQ(s.GetCurrentByte(), r.current);
+// The pending state: next bit mask, used positions and pending byte.
+using State = std::tuple<int, int, int>;
+State StateOf(const XBitStream& s) {
+  return {s.GetBitMask(), s.GetUsedBits(), s.GetCurrentByte()};
+}
+State StateOf(const Reference& r) {
+  return {r.mask, r.used, r.current};
 }
 
 TEST(BitStream, ByteExamples) {
@@ -73,64 +77,54 @@ TEST(BitStream, ByteExamples) {
   XBitStream bits(&sink);
   for (int i = 0; i < 3; ++i) ASSERT_TRUE(bits.SetBit(true));
   EXPECT_TRUE(sink.bytes.empty()) << "a partial byte stays pending";
+  EXPECT_EQ(StateOf(bits), State(0x08, 0x07, 0x07));
   ASSERT_TRUE(bits._Flush());
-  EXPECT_EQ(sink.bytes, Bytes({0x07}));
-  EXPECT_TRUE(bits.IsByteAligned());
-
+  EXPECT_EQ(StateOf(bits), State(0x01, 0, 0));
+  // The full byte goes out during the call.
   ASSERT_TRUE(bits.SetBits(uint64_t{0x1FF}, 9));
-  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF})) << "the full byte goes out during the call";
-  EXPECT_EQ(bits.GetUsedBits(), 0x01);
-  ASSERT_TRUE(bits.SetBits(uint64_t{0x2}, 2));  // pending 101, used 0x07
-  ASSERT_TRUE(bits.SetByte(0xAB));
-  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF, 0x05 | 0xA8}));
-  EXPECT_EQ(bits.GetUsedBits(), 0x07);
-  EXPECT_EQ(bits.GetCurrentByte(), 0x03);
+  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF}));
+  EXPECT_EQ(StateOf(bits), State(0x02, 0x01, 0x01));
+  ASSERT_TRUE(bits.SetBits(uint64_t{0x2}, 2) && bits.SetByte(0xAB));  // pending 101, used 0x07
+  EXPECT_EQ(StateOf(bits), State(0x08, 0x07, 0x03));
   ASSERT_TRUE(bits._Flush());
-  EXPECT_EQ(sink.bytes.back(), 0x03);
+  EXPECT_EQ(sink.bytes, Bytes({0x07, 0xFF, 0x05 | 0xA8, 0x03}));
 }
 
-TEST(BitStream, FieldsOfEveryWidthAtEveryOffsetRoundTrip) {
+// Fields of widths 1 to 64 back to back start at every offset for each width; the
+// byte run and a word array of 142 bits then start at the offset of the lead field.
+TEST(BitStream, FieldsBytesAndWordsAtEveryOffsetRoundTrip) {
   std::mt19937_64 rng(7);
-  for (uint32_t offset = 0; offset < 8; ++offset) {
-    for (uint32_t width = 1; width <= 64; ++width) {
-      SCOPED_TRACE(testing::Message() << "offset " << offset << " width " << width);
-      const uint64_t value = rng();
-      XBuffer buffer;
-      XBitStream out(&buffer);
-      ASSERT_TRUE(out.SetBits(uint64_t{0x55}, offset) && out.SetBits(value, width) &&
-                  out.SetBits(uint64_t{1}, 1) && out._Flush());
-      EXPECT_EQ(buffer.GetBufferPos(), (offset + width + 1 + 7) / 8);
-
-      XBitStream in(&buffer);
-      uint64_t lead, got, marker;
-      ASSERT_TRUE(in.GetBits(lead, offset) && in.GetBits(got, width) && in.GetBits(marker, 1));
-      EXPECT_EQ(got, width == 64 ? value : value & ((uint64_t{1} << width) - 1));
-      EXPECT_EQ(marker, 1u);
-      EXPECT_EQ(lead, 0x55u & ((1u << offset) - 1));
-    }
-  }
-}
-
-TEST(BitStream, BytesAtEveryOffsetAreExactInverses) {
+  std::vector<uint8_t> data(3000);  // more than one round of the 1024-byte area
+  const uint64_t words[3] = {0x0123456789ABCDEFull, 0xFEDCBA9876543210ull, 0x3FFFull};
   for (uint32_t offset = 0; offset < 8; ++offset) {
     SCOPED_TRACE(offset);
+    uint64_t values[65];
+    for (uint64_t& v : values) v = rng();
+    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(i * 37 + offset);
     XBuffer buffer;
     XBitStream out(&buffer);
-    std::vector<uint8_t> data(3000);  // more than one round of the 1024-byte area
-    for (size_t i = 0; i < data.size(); ++i) data[i] = static_cast<uint8_t>(i * 37 + offset);
-    ASSERT_TRUE(out.SetBits(uint64_t{0}, offset) &&
-                out._Write(data.data(), static_cast<uint32_t>(data.size())) && out.SetByte(0x9C) &&
+    ASSERT_TRUE(out.SetBits(uint64_t{0x55}, offset));
+    for (uint32_t width = 1; width <= 64; ++width) ASSERT_TRUE(out.SetBits(values[width], width));
+    ASSERT_TRUE(out._Write(data.data(), 3000) && out.SetByte(0x9C) && out.SetBits(words, 142) &&
                 out._Flush());
+    EXPECT_EQ(buffer.GetBufferPos(), (offset + 64 * 65 / 2 + 8 * 3001 + 142 + 7) / 8);
 
     XBitStream in(&buffer);
-    uint64_t skip;
+    uint64_t got;
+    ASSERT_TRUE(in.GetBits(got, offset));
+    EXPECT_EQ(got, 0x55u & ((1u << offset) - 1));
+    for (uint32_t width = 1; width <= 64; ++width) {
+      ASSERT_TRUE(in.GetBits(got, width));
+      EXPECT_EQ(got, width == 64 ? values[width] : values[width] & ((uint64_t{1} << width) - 1));
+    }
     std::vector<uint8_t> back(data.size());
     uint8_t last;
-    ASSERT_TRUE(in.GetBits(skip, offset));
-    ASSERT_EQ(in._Read(back.data(), static_cast<uint32_t>(back.size())), back.size());
-    ASSERT_TRUE(in.GetByte(last));
-    EXPECT_EQ(back, data);
-    EXPECT_EQ(last, 0x9C);
+    uint64_t back_words[3] = {1, 1, ~uint64_t{0}};  // the rest of the last word becomes 0
+    ASSERT_EQ(in._Read(back.data(), 3000), 3000u);
+    ASSERT_TRUE(in.GetByte(last) && in.GetBits(back_words, 142));
+    EXPECT_TRUE(back == data && last == 0x9C);
+    EXPECT_EQ(std::vector<uint64_t>(back_words, back_words + 3),
+              std::vector<uint64_t>(words, words + 3));
   }
 }
 
@@ -165,7 +159,7 @@ TEST(BitStream, AgreesWithBitByBitReference) {
           ASSERT_TRUE(bits.SetBits(&value, count % 65));
           for (uint32_t b = 0; b < count % 65; ++b) ref.SetBit((value >> b) & 1);
       }
-      ExpectSameState(bits, ref);
+      EXPECT_EQ(StateOf(bits), StateOf(ref));
       ASSERT_EQ(Data(buffer), ref.out);
     }
     ASSERT_TRUE(bits._Flush());
@@ -203,28 +197,13 @@ TEST(BitStream, AgreesWithBitByBitReference) {
       ASSERT_EQ(got_ok, ok);
       if (!ok) break;
       EXPECT_EQ(got, expect);
-      ExpectSameState(reader, rd);
+      EXPECT_EQ(StateOf(reader), StateOf(rd));
       ASSERT_EQ(buffer.GetCurrentPos(), rd.pos) << "never reads ahead";
     }
   }
 }
 
-TEST(BitStream, WordArraysRoundTrip) {
-  const uint64_t words[3] = {0x0123456789ABCDEFull, 0xFEDCBA9876543210ull, 0x3FFFull};
-  XBuffer buffer;
-  XBitStream out(&buffer);
-  ASSERT_TRUE(out.SetBit(true) && out.SetBits(words, 128 + 14) && out._Flush());
-  EXPECT_EQ(buffer.GetBufferPos(), (1u + 142 + 7) / 8);
-
-  XBitStream in(&buffer);
-  bool first;
-  uint64_t back[3] = {1, 1, ~uint64_t{0}};
-  ASSERT_TRUE(in.GetBit(first) && in.GetBits(back, 142));
-  EXPECT_EQ(std::vector<uint64_t>(back, back + 3), std::vector<uint64_t>(words, words + 3))
-      << "the rest of the last word is 0";
-}
-
-TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
+TEST(BitStream, FailuresComeFromTheNextStream) {
   XBuffer buffer;
   buffer._Write("\xFF", 1);
   XBitStream in(&buffer);
@@ -233,7 +212,6 @@ TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
   EXPECT_FALSE(in.GetBits(v, 12));
   EXPECT_TRUE(in.IsOk()) << "the next stream's \"no error\" was imported";
   EXPECT_TRUE(buffer.EoB());
-
   test::Source source(std::string("\x01\x02", 2));
   XBitStream partial(&source);
   partial.SetErrorCode(kErrCheckFailed);
@@ -241,14 +219,11 @@ TEST(BitStream, ReadingPastTheEndFailsWithTheNextStreamsError) {
   EXPECT_TRUE(partial.IsOk());
   uint8_t byte;
   EXPECT_FALSE(XBitStream(&source).GetByte(byte));
-}
 
-TEST(BitStream, WriteFailuresAreImported) {
   Sink sink(1);
   XBitStream bits(&sink);
   EXPECT_TRUE(bits.SetBits(uint64_t{1}, 7));
   EXPECT_EQ(test::Fail(bits.SetBits(uint64_t{1}, 2), bits), kErrTooLong);
-
   Sink flush_sink;
   flush_sink.fail_flush = true;
   XBitStream f(&flush_sink);

@@ -43,20 +43,18 @@ TEST(RoutedIO, ImportsTheNextStreamsErrorOnFailure) {
   char b;
   EXPECT_EQ(reader._Read(&b, 1), 0u);
   EXPECT_TRUE(reader.IsOk());
-}
 
-TEST(RoutedIO, WithoutNextStreamEveryPrimitiveFailsWithInternalError) {
-  XRoutedIO routed;
+  XRoutedIO alone;
   char16_t c;
   const std::function<bool()> calls[] = {
-      [&] { return routed._Write("x", 1); }, [&] { return routed._Read(&c, 1) != 0; },
-      [&] { return routed._ReadChar(c); },   [&] { return routed._UnreadChar(c); },
-      [&] { return routed._Flush(); },       [&] { return routed._ShiftForward(1); },
+      [&] { return alone._Write("x", 1); }, [&] { return alone._Read(&c, 1) != 0; },
+      [&] { return alone._ReadChar(c); },   [&] { return alone._UnreadChar(c); },
+      [&] { return alone._Flush(); },       [&] { return alone._ShiftForward(1); },
   };
   for (const auto& call : calls) {
-    routed.ResetError();
+    alone.ResetError();
     XError::InternalErrorCode = 0;
-    EXPECT_EQ(Fail(call(), routed), kErrInternal);
+    EXPECT_EQ(Fail(call(), alone), kErrInternal) << "without a next stream";
     EXPECT_EQ(XError::InternalErrorCode, kInternalNoNextStream);
   }
 }
@@ -75,16 +73,14 @@ TEST(RoutedIO, HookAndBreakHookRebuildTheChain) {
   EXPECT_EQ(target.GetBufferPos(), 5u);
 }
 
-TEST(CounterIO, CountsBothDirections) {
+TEST(CounterIO, CountsBothDirectionsUpToTheLimit) {
   XBuffer buffer;
   XCounterIO counter(&buffer);
   ASSERT_TRUE(counter._Write("hello", 5));
   char out[8];
   EXPECT_EQ(counter._Read(out, 8), 5u);
   EXPECT_EQ(counter._Read(out, 8), 0u);
-  EXPECT_EQ(counter.bytes_written, 5u);
-  EXPECT_EQ(counter.bytes_read, 5u);
-
+  EXPECT_TRUE(counter.bytes_written == 5 && counter.bytes_read == 5);
   Sink failing(1);
   XCounterIO raised(&failing);
   EXPECT_EQ(Fail(raised._Write("abc", 3), raised), kErrTooLong);
@@ -95,8 +91,7 @@ TEST(CounterIO, CountsBothDirections) {
   XCounterIO full(&sink);
   full.bytes_written = UINT64_MAX - 10;
   EXPECT_EQ(Fail(full._Write("01234567890", 11), full), kErrCounterLimit);
-  EXPECT_TRUE(sink.writes.empty());
-  EXPECT_EQ(full.bytes_written, UINT64_MAX - 10);
+  EXPECT_TRUE(sink.writes.empty() && full.bytes_written == UINT64_MAX - 10);
   EXPECT_TRUE(full._Write("0123456789", 10));
   EXPECT_EQ(full.bytes_written, UINT64_MAX);
   // A read that would is reported as nothing, yet delivered.
@@ -112,9 +107,8 @@ TEST(DoubleOutIO, WritesAndFlushesBothTargets) {
   Sink first, second;
   XDoubleOutIO tee(&first, &second);
   ASSERT_TRUE(tee._Write("ab", 2) && tee._Flush());
-  EXPECT_EQ(first.bytes, Bytes({'a', 'b'}));
-  EXPECT_EQ(second.bytes, Bytes({'a', 'b'}));
-  EXPECT_EQ(first.flushes + second.flushes, 2);
+  EXPECT_TRUE(first.bytes == Bytes({'a', 'b'}) && second.bytes == first.bytes);
+  EXPECT_TRUE(first.flushes == 1 && second.flushes == 1);
   second.fail_at = 2;
   second.fail_code = kErrCheckFailed;
   EXPECT_EQ(Fail(tee._Write("c", 1), tee), kErrCheckFailed);

@@ -41,42 +41,29 @@ class RecordingBuffer : public XBuffer {
 // Readers never allocate much more than a growth step ahead of the data.
 constexpr uint32_t kMostAllocated = (1u << 20) + 64;
 
+// The bytes a write produced; the buffer is emptied for the next one.
+std::vector<uint8_t> Out(bool ok, XBuffer& out) {
+  EXPECT_TRUE(ok);
+  const std::vector<uint8_t> bytes = Data(out);
+  out.ResetBufferPos();
+  return bytes;
+}
+
 TEST(SizedString, ByteExamples) {
-  const struct {
-    std::function<bool(XIO&)> write;
-    std::vector<uint8_t> bytes;
-  } kCases[] = {
-      // Missing strings and the two encodings of a missing record.
-      {[](XIO& o) { return XWriteSizedString16(o, 0, nullptr, true); }, Bytes({0})},
-      {[](XIO& o) { return XWriteSizedRecord(o, nullptr); }, Bytes({0, 0, 0, 0})},
-      {[](XIO& o) { return XWriteSizedRecord(o, 0, nullptr); }, Bytes({4, 0, 0, 0})},
-      // The UTF-8 form stores the UTF-16 count: a pair counts two code units, an
-      // unpaired surrogate becomes U+FFFD, one unit.
-      {[](XIO& o) { return XWriteSizedString(o, u"\u00E9", 2, true); }, Bytes({1, 0xC3, 0xA9})},
-      {[](XIO& o) { return XWriteSizedString(o, u"a\U0001F600\xD800z", 10, true); },
-       Bytes({5, 'a', 0xF0, 0x9F, 0x98, 0x80, 0xEF, 0xBF, 0xBD, 'z'})},
-      // An odd byte is dropped; a null text is an empty string.
-      {[](XIO& o) { return XWriteSizedString(o, u"hi", 5, false); }, Bytes({2, 'h', 0, 'i', 0})},
-      {[](XIO& o) { return XWriteSizedString(o, "bytes", 5); },
-       Bytes({5, 'b', 'y', 't', 'e', 's'})},
-      {[](XIO& o) { return XWriteSizedString(o, static_cast<const char*>(nullptr), 9); },
-       Bytes({0})},
-  };
-  for (const auto& c : kCases) {
-    XBuffer out;
-    ASSERT_TRUE(c.write(out));
-    EXPECT_EQ(Data(out), c.bytes);
-  }
-  XBuffer in, wide, bytes;
-  XWriteSizedString(in, u"a\U0001F600\xD800z", 10, true);
-  XWriteSizedString(in, "by", 2);
-  XWriteSizedString(in, static_cast<const char*>(nullptr), 0);
-  ASSERT_TRUE(XReadSizedString16(in, wide, true));
-  EXPECT_EQ(Wide(wide), u"a\U0001F600\uFFFDz");
-  ASSERT_TRUE(XReadSizedString8(in, bytes));
-  ASSERT_TRUE(XReadSizedString8(in, bytes));
-  EXPECT_EQ(Data(bytes), Bytes({'b', 'y'}));
-  EXPECT_TRUE(in.EoB());
+  XBuffer o;
+  // Missing strings and the two encodings of a missing record.
+  EXPECT_EQ(Out(XWriteSizedString16(o, 0, nullptr, true), o), Bytes({0}));
+  EXPECT_EQ(Out(XWriteSizedRecord(o, nullptr), o), Bytes({0, 0, 0, 0}));
+  EXPECT_EQ(Out(XWriteSizedRecord(o, 0, nullptr), o), Bytes({4, 0, 0, 0}));
+  // The UTF-8 form stores the UTF-16 count: a pair counts two code units, an unpaired
+  // surrogate becomes U+FFFD, one unit.
+  EXPECT_EQ(Out(XWriteSizedString(o, u"\u00E9", 2, true), o), Bytes({1, 0xC3, 0xA9}));
+  EXPECT_EQ(Out(XWriteSizedString(o, u"a\U0001F600\xD800z", 10, true), o),
+            Bytes({5, 'a', 0xF0, 0x9F, 0x98, 0x80, 0xEF, 0xBF, 0xBD, 'z'}));
+  // An odd byte is dropped; a null text is an empty string.
+  EXPECT_EQ(Out(XWriteSizedString(o, u"hi", 5, false), o), Bytes({2, 'h', 0, 'i', 0}));
+  EXPECT_EQ(Out(XWriteSizedString(o, "bytes", 5), o), Bytes({5, 'b', 'y', 't', 'e', 's'}));
+  EXPECT_EQ(Out(XWriteSizedString(o, static_cast<const char*>(nullptr), 9), o), Bytes({0}));
 }
 
 // Random texts of every kind of code point, in both forms, written back to back:
@@ -104,14 +91,15 @@ TEST(SizedString, RoundTripsWithoutReadingAhead) {
     XBuffer stream;
     ASSERT_TRUE(
         XWriteSizedString(stream, text.data(), static_cast<uint32_t>(2 * text.size()), utf8));
-    ASSERT_TRUE(XWriteSizedString(stream, u"next", 8, utf8));
+    ASSERT_TRUE(XWriteSizedString(stream, u"next", 8, utf8) && XWriteSizedString(stream, "8", 1));
     stream._Write("#", 1);
     Source source(Data(stream));
-    XBuffer first, second;
-    ASSERT_TRUE(XReadSizedString16(source, first, utf8));
+    XBuffer first, second, third;
+    ASSERT_TRUE(XReadSizedString16(source, first, utf8) &&
+                XReadSizedString16(source, second, utf8) && XReadSizedString8(source, third));
     EXPECT_EQ(Wide(first), text);
-    ASSERT_TRUE(XReadSizedString16(source, second, utf8));
     EXPECT_EQ(Wide(second), u"next");
+    EXPECT_EQ(Data(third), Bytes({'8'}));
     EXPECT_EQ(source.Left(), 1u);
   }
 }
@@ -134,41 +122,6 @@ TEST(SizedString, MalformedUtf8IsRefused) {
   }
 }
 
-TEST(SizedString, HugeCountsFailWithoutAllocatingThem) {
-  // Counts of 2^32-1 code units with a few bytes behind them.
-  const std::vector<uint8_t> huge = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'a', 0, 'b', 0});
-  for (bool utf8 : {false, true}) {
-    Source source(huge);
-    XBuffer out;
-    EXPECT_EQ(Fail(XReadSizedString16(source, out, utf8), source), kErrEndOfData);
-    Source again(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x3F, 'a', 0, 'b', 0}));
-    RecordingBuffer record;
-    record._Write("HEAD", 4);
-    uint32_t offset = 77;
-    EXPECT_EQ(Fail(XReadSizedString16(record, again, offset, utf8), again), kErrEndOfData);
-    EXPECT_EQ(record.GetBufferPos(), 4u) << "what was appended is taken back";
-    EXPECT_EQ(offset, 77u);
-    EXPECT_LE(record.largest, kMostAllocated);
-  }
-  Source bytes(Bytes({0xFF, 0x00, 0xFF, 0xFF, 0xFF, 'x'}));
-  RecordingBuffer record;
-  uint32_t offset;
-  EXPECT_EQ(Fail(XReadSizedString8(record, bytes, offset), bytes), kErrEndOfData);
-  EXPECT_EQ(record.GetBufferPos(), 0u);
-  EXPECT_LE(record.largest, kMostAllocated);
-
-  // A wide count whose bytes cannot follow the record in 32 bits.
-  Source wide(huge);
-  XBuffer small;
-  EXPECT_EQ(Fail(XReadSizedString16(small, wide, offset, false), wide), kErrTooLong);
-
-  // A target that fails passes its error to the source.
-  XBuffer stream;
-  XWriteSizedString(stream, u"abc", 6, true);
-  Sink sink(1);
-  EXPECT_EQ(Fail(XReadSizedString16(stream, sink, true), stream), kErrTooLong);
-}
-
 // A record: size field, the offsets of a wide name and of an 8-bit note, then the strings.
 void BuildRecord(XBuffer& record, const char16_t* name, const char* note) {
   ASSERT_NE(record.ReserveBufferMem(12), nullptr);
@@ -180,37 +133,26 @@ void BuildRecord(XBuffer& record, const char16_t* name, const char* note) {
   ASSERT_TRUE(XSizedRecord::SetSize(record));
 }
 
-TEST(SizedRecord, MemoryAccess) {
-  XBuffer record;
-  BuildRecord(record, u"name", nullptr);
-  const XSizedRecord* r = XSizedRecord::At(record.GetBuffer());
-  EXPECT_EQ(r->GetSize(), 12u + 4 + 8);
-  const uint32_t name = internal::LoadLE32(r->_GetData(4));
-  EXPECT_EQ(name, 16u);
-  EXPECT_EQ(r->GetStringSize(name), 8u);
-  EXPECT_EQ(std::memcmp(r->GetData(name), u"name", 8), 0);
-  EXPECT_EQ(internal::LoadLE32(r->_GetData(8)), 0u) << "a missing note";
-  EXPECT_EQ(r->GetData(0), nullptr);
-  EXPECT_EQ(r->GetStringSize(0), 0u);
-  EXPECT_EQ(XSizedRecord::GetData(record, 0), nullptr);
-  EXPECT_EQ(XSizedRecord::GetData(record, name), record._GetBufferAt(name));
-  EXPECT_EQ(reinterpret_cast<const uint8_t*>(r->GetNextRecord()), record.GetStringEnd());
-
-  record.SetBufferPos(3);
-  EXPECT_EQ(Fail(XSizedRecord::SetSize(record), record), kErrOutOfRange);
-}
-
-TEST(SizedRecord, StreamRoundTripOfRecordsAndTheirStrings) {
+TEST(SizedRecord, MemoryAccessAndStreamRoundTrip) {
   XBuffer record;
   BuildRecord(record, u"caf\u00E9", "note");
   const uint8_t* base = record._GetBufferAt(0);
-  XBuffer stream;
-  ASSERT_TRUE(XWriteSizedRecord(stream, XSizedRecord::At(base)) &&
-              XWriteSizedRecord(stream, nullptr) && XWriteSizedRecord(stream, 0, nullptr));
-  ASSERT_TRUE(XWriteSizedString16(stream, internal::LoadLE32(base + 4), base, true) &&
-              XWriteSizedString8(stream, internal::LoadLE32(base + 8), base) &&
-              XWriteSizedString8(stream, 0, base));
+  const XSizedRecord* r = XSizedRecord::At(base);
+  EXPECT_EQ(r->GetSize(), 12u + 4 + 8 + 4 + 4);
+  const uint32_t name = internal::LoadLE32(base + 4), note = internal::LoadLE32(base + 8);
+  EXPECT_EQ(name, 16u);
+  EXPECT_EQ(r->GetStringSize(name), 8u);
+  EXPECT_EQ(std::memcmp(r->GetData(name), u"caf\u00E9", 8), 0);
+  EXPECT_TRUE(r->GetData(0) == nullptr && r->GetStringSize(0) == 0);
+  EXPECT_EQ(XSizedRecord::GetData(record, 0), nullptr);
+  EXPECT_EQ(XSizedRecord::GetData(record, note), record._GetBufferAt(28));
+  EXPECT_EQ(reinterpret_cast<const uint8_t*>(r->GetNextRecord()), record.GetStringEnd());
 
+  XBuffer stream;
+  ASSERT_TRUE(XWriteSizedRecord(stream, r) && XWriteSizedRecord(stream, nullptr) &&
+              XWriteSizedRecord(stream, 0, nullptr));
+  ASSERT_TRUE(XWriteSizedString16(stream, name, base, true) &&
+              XWriteSizedString8(stream, note, base) && XWriteSizedString8(stream, 0, base));
   XBuffer work;
   ASSERT_TRUE(XReadSizedRecord(work, stream));
   EXPECT_EQ(Data(work), Data(record));
@@ -222,22 +164,20 @@ TEST(SizedRecord, StreamRoundTripOfRecordsAndTheirStrings) {
   uint32_t offset = 99;
   ASSERT_TRUE(XReadSizedRecord(built, offset, stream));  // the empty record of size 4
   EXPECT_EQ(offset, 4u);
-  EXPECT_EQ(built.GetBufferPos(), 8u);
-  uint32_t name, note, none = 5;
-  ASSERT_TRUE(XReadSizedString16(built, stream, name, true) &&
-              XReadSizedString8(built, stream, note) && XReadSizedString8(built, stream, none));
-  EXPECT_EQ(none, 0u);
-  EXPECT_TRUE(stream.EoB());
-  const XSizedRecord* b = XSizedRecord::At(built.GetBuffer());
-  EXPECT_EQ(b->GetStringSize(name), 8u);
-  EXPECT_EQ(std::memcmp(b->GetData(name), u"caf\u00E9", 8), 0);
-  EXPECT_EQ(b->GetStringSize(note), 4u);
-  EXPECT_EQ(std::memcmp(b->GetData(note), "note", 4), 0);
+  uint32_t name2, note2, none = 5;
+  ASSERT_TRUE(XReadSizedString16(built, stream, name2, true) &&
+              XReadSizedString8(built, stream, note2) && XReadSizedString8(built, stream, none));
+  EXPECT_TRUE(name2 == 12 && note2 == 24 && none == 0 && stream.EoB());
+  // Size fields and strings as the record holds them.
+  EXPECT_EQ(std::vector<uint8_t>(built._GetBufferAt(8), built.GetStringEnd()),
+            std::vector<uint8_t>(base + 12, base + 32));
 
   Source zero(Bytes({0, 0, 0, 0}));
   ASSERT_TRUE(XReadSizedRecord(built, offset, zero));
   EXPECT_EQ(offset, 0u) << "a missing record appends nothing";
-  EXPECT_EQ(built.GetBufferPos(), 8u + 4 + 8 + 4 + 4);
+  EXPECT_EQ(built.GetBufferPos(), 28u);
+  built.SetBufferPos(3);
+  EXPECT_EQ(Fail(XSizedRecord::SetSize(built), built), kErrOutOfRange);
 }
 
 TEST(SizedRecord, BadSizesAreRefused) {
@@ -245,28 +185,63 @@ TEST(SizedRecord, BadSizesAreRefused) {
     Source source(Bytes({size, 0, 0, 0, 'x', 'y'}));
     XBuffer work;
     EXPECT_EQ(Fail(XReadSizedRecord(work, source), source), kErrEndOfData);
+    EXPECT_EQ(source.Left(), 2u) << "refused before the body is read";
   }
   Source short_size(Bytes({8, 0}));
   XBuffer work;
   EXPECT_EQ(Fail(XReadSizedRecord(work, short_size), short_size), kErrEndOfData);
-
-  // Sizes near 4 GiB with little behind them: refused before or as the data runs out.
-  Source hostile(Bytes({0xFE, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4, 5, 6, 7, 8}));
-  XBuffer built;
-  built._Write("abc", 3);
-  uint32_t offset = 1;
-  EXPECT_EQ(Fail(XReadSizedRecord(built, offset, hostile), hostile), kErrTooLong)
-      << "cannot follow 3 bytes in 32 bits";
-  EXPECT_EQ(built.GetBufferPos(), 3u);
-  Source hostile2(Bytes({0xF0, 0xFF, 0xFF, 0xFF, 1, 2, 3, 4, 5, 6, 7, 8}));
-  RecordingBuffer empty;
-  EXPECT_EQ(Fail(XReadSizedRecord(empty, hostile2), hostile2), kErrEndOfData);
-  EXPECT_EQ(empty.GetBufferPos(), 0u);
-  EXPECT_LE(empty.largest, kMostAllocated);
-
   XBuffer out;
   uint8_t broken[4] = {2, 0, 0, 0};
   EXPECT_EQ(Fail(XWriteSizedRecord(out, XSizedRecord::At(broken)), out), kErrOutOfRange);
+  // A target that fails passes its error to the source.
+  XBuffer stream;
+  XWriteSizedString(stream, u"abc", 6, true);
+  Sink sink(1);
+  EXPECT_EQ(Fail(XReadSizedString16(stream, sink, true), stream), kErrTooLong);
+}
+
+// Hostile counts and sizes with a few bytes behind them are refused before or as the
+// data runs out: what was appended is taken back, and no block grows much beyond the
+// data that arrived.
+TEST(SizedRecord, HostileCountsAndSizesAreRefused) {
+  uint32_t offset = 77;
+  const auto units_max = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 'a', 0, 'b', 0});  // 2^32-1
+  const auto units_1g = Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x3F, 'a', 0, 'b', 0});
+  const struct {
+    std::function<bool(XBuffer&, XIO&)> read;
+    std::vector<uint8_t> bytes;
+    uint32_t error, end;
+  } kCases[] = {
+      {[](XBuffer& r, XIO& s) { return XReadSizedString16(s, r, false); }, units_max, kErrEndOfData,
+       4},
+      {[](XBuffer& r, XIO& s) { return XReadSizedString16(s, r, true); }, units_max, kErrEndOfData,
+       4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, false); }, units_1g,
+       kErrEndOfData, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, true); }, units_1g,
+       kErrEndOfData, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString8(r, s, offset); },
+       Bytes({0xFF, 0x00, 0xFF, 0xFF, 0xFF, 'x'}), kErrEndOfData, 4},
+      // The record's 4 bytes and these no longer fit 32 bits.
+      {[&](XBuffer& r, XIO& s) { return XReadSizedString16(r, s, offset, false); }, units_max,
+       kErrTooLong, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedRecord(r, offset, s); },
+       Bytes({0xFC, 0xFF, 0xFF, 0xFF, 1, 2}), kErrTooLong, 4},
+      {[&](XBuffer& r, XIO& s) { return XReadSizedRecord(r, offset, s); },
+       Bytes({0xFB, 0xFF, 0xFF, 0xFF, 1, 2}), kErrEndOfData, 4},
+      {[](XBuffer& r, XIO& s) { return XReadSizedRecord(r, s); },  // starts at byte 0
+       Bytes({0xF0, 0xFF, 0xFF, 0xFF, 1, 2}), kErrEndOfData, 0},
+  };
+  for (size_t i = 0; i < std::size(kCases); ++i) {
+    SCOPED_TRACE(i);
+    RecordingBuffer record;
+    record._Write("HEAD", 4);
+    Source source(kCases[i].bytes);
+    EXPECT_EQ(Fail(kCases[i].read(record, source), source), kCases[i].error);
+    EXPECT_EQ(record.GetBufferPos(), kCases[i].end);
+    EXPECT_LE(record.largest, kMostAllocated);
+  }
+  EXPECT_EQ(offset, 77u);
 }
 
 TEST(SizedRecord, AddSizedStringForms) {
