@@ -44,14 +44,9 @@ void XSHA256IO::AddSHA256(const char* data, int32_t size) {
   buffered_ = n;
 }
 
-bool XSHA256IO::_Write(const void* data, uint32_t bytes) {
-  XIO* next = Next();
-  if (next == nullptr) return false;
-  if (!next->_Write(data, bytes)) {
-    ImportErrorCode(*next);
-    return false;
-  }
-  // Counts beyond the signed range are hashed in pieces.
+// Hashes bytes that travelled through the stream and adds them to the byte count;
+// counts beyond the signed range of AddSHA256 are hashed in pieces.
+void XSHA256IO::Absorb(const void* data, uint32_t bytes) {
   const auto* p = static_cast<const char*>(data);
   for (uint32_t left = bytes; left > 0;) {
     const uint32_t piece = left < 0x40000000u ? left : 0x40000000u;
@@ -60,25 +55,17 @@ bool XSHA256IO::_Write(const void* data, uint32_t bytes) {
     left -= piece;
   }
   total_ += bytes;
+}
+
+bool XSHA256IO::_Write(const void* data, uint32_t bytes) {
+  if (!XRoutedIO::_Write(data, bytes)) return false;
+  Absorb(data, bytes);
   return true;
 }
 
 uint32_t XSHA256IO::_Read(void* data, uint32_t bytes) {
-  XIO* next = Next();
-  if (next == nullptr) return 0;
-  const uint32_t got = next->_Read(data, bytes);
-  if (got == 0) {
-    ImportErrorCode(*next);
-    return 0;
-  }
-  const auto* p = static_cast<const char*>(data);
-  for (uint32_t left = got; left > 0;) {
-    const uint32_t piece = left < 0x40000000u ? left : 0x40000000u;
-    AddSHA256(p, static_cast<int32_t>(piece));
-    p += piece;
-    left -= piece;
-  }
-  total_ += got;
+  const uint32_t got = XRoutedIO::_Read(data, bytes);
+  Absorb(data, got);
   return got;
 }
 

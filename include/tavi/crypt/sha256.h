@@ -83,6 +83,7 @@ class TAVI_API XSHA256IO : public XRoutedIO {
 
  private:
   void Finalize();
+  void Absorb(const void* data, uint32_t bytes);
 
   uint8_t buffer_[64] = {};
   uint32_t buffered_ = 0;
