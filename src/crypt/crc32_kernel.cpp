@@ -7,13 +7,14 @@
 #include <atomic>
 
 #include "core/internal/endian.h"
+#include "core/internal/kernel_choice.h"
 #include "crypt/internal/crc32_kernel.h"
-#include "crypt/internal/kernel_choice.h"
 #include "crypt/internal/target.h"
 #include "platform/cpu.h"
 
 namespace tavi::crypt_internal {
 
+using internal::KernelChoice;
 using internal::LoadBE32;
 using internal::LoadLE32;
 using internal::StoreBE32;

@@ -1,4 +1,4 @@
-//===- kernel_choice.h - The active path of one crypt kernel ----*- C++ -*-===//
+//===- kernel_choice.h - The active path of one hot kernel -----*- C++ -*-===//
 //
 // Each algorithm has a portable path and accelerated ones. KernelChoice holds the
 // implementation an algorithm runs with: the fastest path the processor has (the
@@ -13,7 +13,7 @@
 
 #include "platform/cpu.h"
 
-namespace tavi::crypt_internal {
+namespace tavi::internal {
 
 template <typename Path, typename Impl>
 class KernelChoice {
@@ -58,4 +58,4 @@ class KernelChoice {
   std::atomic<Impl> impl_{};
 };
 
-}  // namespace tavi::crypt_internal
+}  // namespace tavi::internal
