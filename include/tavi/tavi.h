@@ -19,6 +19,7 @@
 #include "tavi/crypt/aes256.h"
 #include "tavi/crypt/crc32.h"
 #include "tavi/crypt/sha256.h"
+#include "tavi/format/number_options.h"
 #include "tavi/io/bit_stream.h"
 #include "tavi/io/pack_number.h"
 #include "tavi/io/routed.h"
