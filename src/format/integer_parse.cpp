@@ -1,7 +1,7 @@
 //===- integer_parse.cpp - Text to integers -------------------------------===//
 //
-// The decimal parsers take two digits per step while both are there, which halves
-// the multiply chain; a character is looked at only after the one before it was
+// The decimal parsers take four digits per step while four are there, which
+// shortens the multiply chain; a character is looked at only after the one before it was
 // found to be a digit, so reading never passes the terminator.
 //
 //===----------------------------------------------------------------------===//
@@ -22,33 +22,28 @@ inline const char16_t* SkipSpaces(const char16_t* p) {
   return p;
 }
 
-// Accumulates up to `left` more digits after the first into value (wrapping).
-// Returns the position after the last digit taken; `left` is decreased by the count.
+// Accumulates up to `left` more digits into value (wrapping), four per step while
+// four are there. Returns the position after the last digit taken; `left` is
+// decreased by the count.
 template <typename U>
 const char16_t* TakeDigits(U& value, const char16_t* p, uint32_t& left) {
   U v = value;
-  while (left >= 2) {
+  while (left >= 4) {
     const uint32_t d0 = DecimalDigit(p[0]);
     if (d0 > 9) break;
     const uint32_t d1 = DecimalDigit(p[1]);
-    if (d1 > 9) {
-      v = static_cast<U>(v * 10 + d0);
-      ++p;
-      --left;
-      value = v;
-      return p;
-    }
-    v = static_cast<U>(v * 100 + (d0 * 10 + d1));
-    p += 2;
-    left -= 2;
+    if (d1 > 9) break;
+    const uint32_t d2 = DecimalDigit(p[2]);
+    if (d2 > 9) break;
+    const uint32_t d3 = DecimalDigit(p[3]);
+    if (d3 > 9) break;
+    v = static_cast<U>(v * 10000 + ((d0 * 10 + d1) * 100 + (d2 * 10 + d3)));
+    p += 4;
+    left -= 4;
   }
-  if (left == 1) {
-    const uint32_t d0 = DecimalDigit(p[0]);
-    if (d0 <= 9) {
-      v = static_cast<U>(v * 10 + d0);
-      ++p;
-      left = 0;
-    }
+  // Fewer than four digits are left (or allowed): one at a time.
+  for (uint32_t d; left != 0 && (d = DecimalDigit(*p)) <= 9; ++p, --left) {
+    v = static_cast<U>(v * 10 + d);
   }
   value = v;
   return p;
