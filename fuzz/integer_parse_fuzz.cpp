@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   CheckStop(tavi::_StringToUnsigned(u32, text, radix), text, end);
   const char16_t* stop = tavi::_StringToSigned(s64, text);
   CheckStop(stop, text, end);
-  if (stop != nullptr && s64 >= 0) FUZZ_ASSERT(tavi::_StringToUnsigned(u64, text) == stop);
+  if (stop != nullptr && s64 > 0) FUZZ_ASSERT(tavi::_StringToUnsigned(u64, text) == stop);
   CheckStop(tavi::_StringToSigned(s32, text), text, end);
   return 0;
 }
