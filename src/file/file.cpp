@@ -12,6 +12,19 @@ constexpr uint32_t kNoPosition = 0xFFFFFFFFu;
 
 }  // namespace
 
+XFile::XFile(const XFile& other) : XIO(other), handle_(other.handle_) {
+  if (handle_ != nullptr) platform::RetainFile(handle_);
+}
+
+XFile& XFile::operator=(const XFile& other) {
+  if (this == &other) return *this;
+  if (other.handle_ != nullptr) platform::RetainFile(other.handle_);
+  if (handle_ != nullptr && !Close()) platform::DiscardFile(LeaveFile());
+  XIO::operator=(other);
+  handle_ = other.handle_;
+  return *this;
+}
+
 XFile::~XFile() {
   if (handle_ != nullptr && !Close()) {
     // Nobody is left to retry the close: release the handle anyway.
@@ -186,6 +199,17 @@ bool XFile::SetEndOfFile() {
 }
 
 // --- XNamedFile ---------------------------------------------------------------------
+
+XNamedFile::XNamedFile(const XNamedFile& other) : XFile(other) {
+  name_.Set(other.name_);
+}
+
+XNamedFile& XNamedFile::operator=(const XNamedFile& other) {
+  if (this == &other) return *this;
+  XFile::operator=(other);
+  name_.Set(other.name_);
+  return *this;
+}
 
 XNamedFile::~XNamedFile() = default;
 

@@ -343,6 +343,29 @@ TEST(XFile, AssumeFileAndHandleFunctions) {
   EXPECT_EQ(XFileRead(h, out, -1), -1);
 }
 
+TEST(XFile, CopiesShareTheFileUntilTheLastCloses) {
+  ScratchDir dir;
+  XNamedFile a;
+  XString16 name = Str(dir.Name(u"shared.bin"));
+  ASSERT_TRUE(a.Open(name, kRW | kFileCreateAlways, nullptr));
+  EXPECT_TRUE(a._Write("ab", 2));
+  {
+    XNamedFile b = a;
+    EXPECT_EQ(b.GetHandle(), a.GetHandle());
+    EXPECT_NE(b.GetFileName(), a.GetFileName());  // a name of its own
+    EXPECT_EQ(std::u16string(b.GetFileName()), std::u16string(a.GetFileName()));
+    EXPECT_TRUE(b._Write("cd", 2));
+    EXPECT_TRUE(b.Close());
+    EXPECT_EQ(Slurp(dir / u"shared.bin"), "abcd");  // a close pushes the bytes
+  }
+  EXPECT_TRUE(a._Write("ef", 2));
+  XFile c;
+  c = a;
+  EXPECT_TRUE(a.Close());
+  EXPECT_EQ(c.GetSize(), 6u);
+  EXPECT_TRUE(c.Close());
+}
+
 TEST(XNamedFile, NameParts) {
   XNamedFile file;
   EXPECT_EQ(file.GetFileName(), nullptr);

@@ -105,6 +105,21 @@ TEST_F(Tree, EndsAndFailures) {
   EXPECT_EQ(find.GetErrorCode(), 0u);
 }
 
+TEST_F(Tree, CopiesGoOnFromTheSamePlace) {
+  XFindFile a;
+  std::set<std::u16string> names;
+  const char16_t* n = a.FindFirst(Pattern(u"*").c_str());
+  ASSERT_NE(n, nullptr);
+  names.insert(n);
+  {
+    XFindFile b = a;
+    names.insert(b.FindNext());
+    EXPECT_TRUE(b.FindClose());
+  }
+  for (n = a.FindNext(); n != nullptr; n = a.FindNext()) names.insert(n);
+  EXPECT_EQ(names.size(), 6u);
+}
+
 TEST_F(Tree, ForEachDirStopsWhenAsked) {
   XFindFile find;
   std::vector<std::u16string> seen;

@@ -64,13 +64,13 @@ inline constexpr int32_t kStrOverwriteAfter = 500000302;
 // Positions and sizes are 32-bit: files of 4 GiB or more are not supported by the
 // position and size operations.
 //
-// Copying copies the handle as it stands (the file is not opened twice): give one
-// side's handle away with LeaveFile before both are destroyed.
+// Copying shares the open file (it is not opened twice): each copy closes its share,
+// and the file closes with the last one. Copies take turns; one thread at a time.
 class TAVI_API XFile : public XIO {
  public:
   XFile() = default;
-  XFile(const XFile& other) = default;
-  XFile& operator=(const XFile& other) = default;
+  XFile(const XFile& other);
+  XFile& operator=(const XFile& other);
   // Closes an open file. When the close fails the error is recorded and the handle
   // is released anyway, dropping bytes that could not be written.
   ~XFile() override;
@@ -138,8 +138,9 @@ class TAVI_API XFile : public XIO {
 class TAVI_API XNamedFile : public XFile {
  public:
   XNamedFile() = default;
-  XNamedFile(const XNamedFile& other) = default;
-  XNamedFile& operator=(const XNamedFile& other) = default;
+  // Copies share the open file and get their own copy of the name.
+  XNamedFile(const XNamedFile& other);
+  XNamedFile& operator=(const XNamedFile& other);
   ~XNamedFile() override;
 
   using XFile::Open;

@@ -38,6 +38,8 @@ struct XFileHandleRecord {
   Mode mode = Mode::kIdle;
   // Held by the thread working on the file; FlushAllFiles only tries it.
   std::atomic<bool> busy{false};
+  // Holders of the handle (copies of a file object); the last close closes.
+  std::atomic<uint32_t> holders{1};
   uint8_t* block = nullptr;
   uint32_t cursor = 0;
   uint32_t filled = 0;
@@ -48,6 +50,7 @@ struct XFileHandleRecord {
 
 struct XFindHandleRecord {
   DIR* dir = nullptr;
+  std::atomic<uint32_t> holders{1};
   std::u16string mask;
 };
 
@@ -308,7 +311,20 @@ XFileHandle OpenFile(const char16_t* name, uint32_t units, const OpenRequest& re
   return r;
 }
 
+void RetainFile(XFileHandle file) {
+  file->holders.fetch_add(1, std::memory_order_relaxed);
+}
+
 bool CloseFile(XFileHandle file) {
+  if (file->holders.load(std::memory_order_acquire) > 1) {
+    // Another holder goes on using the file: push the bytes, leave it open.
+    {
+      Using hold(file);
+      if (!PushGathered(*file)) return false;
+    }
+    file->holders.fetch_sub(1, std::memory_order_acq_rel);
+    return true;
+  }
   {
     Using hold(file);
     if (!PushGathered(*file)) return false;
@@ -325,6 +341,10 @@ bool CloseFile(XFileHandle file) {
 }
 
 void DiscardFile(XFileHandle file) {
+  if (file->holders.load(std::memory_order_acquire) > 1) {
+    file->holders.fetch_sub(1, std::memory_order_acq_rel);
+    return;
+  }
   {
     Using hold(file);
     if (file->fd >= 0) ::close(file->fd);
@@ -838,7 +858,12 @@ bool FindNext(XFindHandle search, XFindData& data) {
   return NextMatch(*search, data);
 }
 
+void RetainSearch(XFindHandle search) {
+  search->holders.fetch_add(1, std::memory_order_relaxed);
+}
+
 bool FindClose(XFindHandle search) {
+  if (search->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return true;
   const bool ok = ::closedir(search->dir) == 0;
   const int error = errno;
   delete search;
