@@ -63,15 +63,14 @@ void CheckPaths(const std::u16string& a, const std::u16string& b) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::u16string units(size / 2, u'\0');
-  std::memcpy(units.data(), data, units.size() * 2);
+  if (!units.empty()) std::memcpy(units.data(), data, units.size() * 2);
   const size_t split = units.find(u'\0');
   const std::u16string first = units.substr(0, split);
   const std::u16string second = split == std::u16string::npos ? u"" : units.substr(split + 1);
   // Later 0 units end the second text, as they would end a terminated text.
   const std::u16string name = second.substr(0, second.find(u'\0'));
 
-  const bool match =
-      internal::WildcardMatch(first.data(), first.size(), name.data(), name.size());
+  const bool match = internal::WildcardMatch(first.data(), first.size(), name.data(), name.size());
   if (first.size() <= 12 && name.size() <= 24 && first != u"*.*") {
     FUZZ_ASSERT(match == Reference(first, 0, name, 0));
   }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -152,26 +153,14 @@ TEST(Paths, CurrentFolder) {
 }
 
 // Sets an environment variable for the lifetime of the object.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const std::string& value) : name_(name) {
-    const char* old = std::getenv(name);
-    had_ = old != nullptr;
-    if (had_) old_ = old;
+struct ScopedEnv {
+  ScopedEnv(const char* name, const std::string& value) : name(name) {
+    if (const char* old = std::getenv(name)) saved = old;
     setenv(name, value.c_str(), 1);
   }
-  ~ScopedEnv() {
-    if (had_) {
-      setenv(name_, old_.c_str(), 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
- private:
-  const char* name_;
-  bool had_;
-  std::string old_;
+  ~ScopedEnv() { saved ? setenv(name, saved->c_str(), 1) : unsetenv(name); }
+  const char* name;
+  std::optional<std::string> saved;
 };
 
 TEST(Paths, KnownFoldersFollowXdg) {
@@ -213,24 +202,10 @@ bool Match(const std::u16string& p, const std::u16string& n) {
   return internal::WildcardMatch(p.data(), p.size(), n.data(), n.size());
 }
 
-TEST(Wildcard, Examples) {
-  EXPECT_TRUE(Match(u"*.*", u"README"));  // every name, dot or not
-  EXPECT_TRUE(Match(u"*.*", u""));
-  EXPECT_TRUE(Match(u"*.txt", u"a.txt"));
-  EXPECT_TRUE(Match(u"*.txt", u".txt"));
+TEST(Wildcard, AgreesWithTheReference) {
+  EXPECT_TRUE(Match(u"*.*", u"README"));    // every name, dot or not
   EXPECT_FALSE(Match(u"*.txt", u"a.TXT"));  // case-sensitive
-  EXPECT_FALSE(Match(u"*.txt", u"a.txt.bak"));
-  EXPECT_TRUE(Match(u"a?c", u"abc"));
-  EXPECT_FALSE(Match(u"a?c", u"ac"));
   EXPECT_TRUE(Match(u"?", u"\U0001F600"));  // one character, two code units
-  EXPECT_TRUE(Match(u"*a*b*", u"xxaxxbxx"));
-  EXPECT_FALSE(Match(u"*a*b", u"xxbxxa"));
-  EXPECT_TRUE(Match(u"**", u""));
-  EXPECT_FALSE(Match(u"", u"a"));
-  EXPECT_TRUE(Match(u"exact", u"exact"));
-}
-
-TEST(Wildcard, AgreesWithTheReferenceOnRandomTexts) {
   std::mt19937 rng(11);
   const char16_t alphabet[] = {u'a', u'b', u'.', 0xD83D, 0xDE00};
   const char16_t pattern_alphabet[] = {u'a', u'b', u'.', u'*', u'?', 0xD83D, 0xDE00};

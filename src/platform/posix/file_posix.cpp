@@ -357,6 +357,7 @@ int64_t ReadFile(XFileHandle file, void* data, uint32_t bytes) {
   Using hold(file);
   Record& r = *file;
   if (!r.can_read) return Fail(kErrorAccessDenied), -1;
+  if (bytes == 0) return 0;
   auto* out = static_cast<uint8_t*>(data);
   if (r.mode == Mode::kReading && r.filled - r.cursor >= bytes) {
     std::memcpy(out, r.block + r.cursor, bytes);
@@ -391,6 +392,7 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes) {
   Using hold(file);
   Record& r = *file;
   if (!r.can_write) return Fail(kErrorAccessDenied);
+  if (bytes == 0) return true;
   const auto* in = static_cast<const uint8_t*>(data);
   if (r.mode == Mode::kWriting && kBlockSize - r.cursor >= bytes) {
     std::memcpy(r.block + r.cursor, in, bytes);
@@ -402,7 +404,6 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes) {
     size_t written;
     return WriteAll(r, in, bytes, written);
   }
-  if (bytes == 0) return true;
   std::memcpy(r.block, in, bytes);
   r.cursor = bytes;
   r.mode = Mode::kWriting;
@@ -639,6 +640,8 @@ bool CopyFile(const char16_t* from, uint32_t from_units, const char16_t* to, uin
 bool MoveFile(const char16_t* from, uint32_t from_units, const char16_t* to, uint32_t to_units) {
   std::string source, target;
   if (!NativeName(from, from_units, source) || !NativeName(to, to_units, target)) return false;
+  // Bytes gathered for the file reach it before it goes elsewhere.
+  FlushAllFiles();
   if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
     return true;
   }
@@ -662,7 +665,6 @@ bool MoveFile(const char16_t* from, uint32_t from_units, const char16_t* to, uin
   if (error == EXDEV) {
     struct stat st;
     if (::lstat(source.c_str(), &st) == 0 && S_ISDIR(st.st_mode)) return Fail(kErrorNotSameDevice);
-    FlushAllFiles();
     if (!CopyNative(source, target)) return false;
     if (::unlink(source.c_str()) == 0) return true;
     error = errno;
