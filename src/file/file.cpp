@@ -55,7 +55,7 @@ uint32_t XFile::_Read(void* data, uint32_t bytes) {
 }
 
 bool XFile::_UnreadChar(char16_t) {
-  return SetPos(-2, 1) != kNoPosition;
+  return MovePos(-2, 1, true) != kNoPosition;
 }
 
 bool XFile::_Flush() {
@@ -70,7 +70,7 @@ bool XFile::_ShiftForward(uint32_t bytes) {
     SetErrorCode(kErrDoesNotFit);
     return false;
   }
-  return SetPos(static_cast<int32_t>(bytes), 1) != kNoPosition;
+  return MovePos(static_cast<int32_t>(bytes), 1, true) != kNoPosition;
 }
 
 bool XFile::Open(const char16_t* name, uint16_t mode, XWindow owner) {
@@ -117,6 +117,10 @@ bool XFile::Close() {
 }
 
 uint32_t XFile::SetPos(int32_t distance, int32_t method) {
+  return MovePos(distance, method, false);
+}
+
+uint32_t XFile::MovePos(int32_t distance, int32_t method, bool keep_read_ahead) {
   if (handle_ == nullptr) {
     SetWinError(static_cast<int32_t>(platform::kErrorInvalidHandle));
     return kNoPosition;
@@ -135,7 +139,7 @@ uint32_t XFile::SetPos(int32_t distance, int32_t method) {
     return kNoPosition;
   }
   uint64_t position = 0;
-  if (!platform::SeekFile(handle_, distance, method, position)) {
+  if (!platform::SeekFile(handle_, distance, method, position, keep_read_ahead)) {
     SetWinLastError();
     return kNoPosition;
   }

@@ -48,7 +48,10 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes);
 bool FlushFile(XFileHandle file);
 // SeekFile moves by distance from the beginning (0), position (1) or end (2); a
 // position below 0 fails with 131.
-bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position);
+// With keep_read_ahead, a move that stays within the bytes read ahead only moves
+// within them; otherwise the next read fetches fresh bytes from the file.
+bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position,
+              bool keep_read_ahead);
 bool FilePosition(XFileHandle file, uint64_t& position);
 bool FileSize(XFileHandle file, uint64_t& size);
 // TruncateFile ends the file at the current position.

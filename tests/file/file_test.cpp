@@ -248,6 +248,17 @@ TEST(XFile, GatheredBytesAreSeenByEveryObserver) {
   XFile other;
   ASSERT_TRUE(other.Open(name, kFileRead, nullptr));
   EXPECT_EQ(other.GetSize(), 4004u);
+  // The reader's read-ahead is refreshed by SetPos after another object wrote.
+  uint32_t first = 99;
+  EXPECT_EQ(other._Read(&first, 4), 4u);
+  EXPECT_EQ(first, 0u);
+  EXPECT_TRUE(file.SetPosB(0, 0));
+  EXPECT_TRUE(file._Write("head", 4));
+  EXPECT_TRUE(file._Flush());
+  EXPECT_TRUE(other.SetPosB(0, 0));
+  EXPECT_EQ(other._Read(&first, 4), 4u);
+  EXPECT_EQ(std::memcmp(&first, "head", 4), 0);
+  EXPECT_EQ(file.SeekToEnd(), 4004u);
   EXPECT_TRUE(file._Write("more", 4));
   EXPECT_TRUE(XFileCopy(name, dir.Name(u"copy.bin").c_str()));
   EXPECT_EQ(fs::file_size(dir / u"copy.bin"), 4008u);
@@ -262,6 +273,7 @@ TEST(XFile, GatheredBytesAreSeenByEveryObserver) {
   uint32_t third;
   std::memcpy(&third, bytes.data() + 8, 4);
   EXPECT_EQ(third, 2u);
+  EXPECT_EQ(bytes.substr(0, 4), "head");
 }
 
 TEST(XFile, PositionsShiftsAndUnread) {

@@ -58,8 +58,11 @@ inline constexpr int32_t kStrOverwriteAfter = 500000302;
 // operation that looks at the file (size, position, times, end of file, truncation,
 // close, the name functions of this header, another handle opened by name) sees every
 // byte written. A write error of gathered bytes surfaces at the operation that pushes
-// them out (a later write, _Flush, a position or size query, Close); savers check
+// them out (a later write, _Flush, a move, a size query, Close); savers check
 // _Flush or Close.
+//
+// Bytes read ahead are those of the moment they were read: a write to the same
+// bytes through another file object is seen after SetPos (or a reopen).
 //
 // Positions and sizes are 32-bit: files of 4 GiB or more are not supported by the
 // position and size operations.
@@ -130,6 +133,10 @@ class TAVI_API XFile : public XIO {
   bool SetEndOfFile();
 
  protected:
+  // MovePos is SetPos; with keep_read_ahead, a short move within the bytes read
+  // ahead (an unread, a skip) does not fetch them again.
+  uint32_t MovePos(int32_t distance, int32_t method, bool keep_read_ahead);
+
   XFileHandle handle_ = nullptr;
 };
 

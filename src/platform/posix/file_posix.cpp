@@ -415,7 +415,8 @@ bool FlushFile(XFileHandle file) {
   return PushGathered(*file);
 }
 
-bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position) {
+bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position,
+              bool keep_read_ahead) {
   Using hold(file);
   Record& r = *file;
   int64_t base;
@@ -440,7 +441,8 @@ bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& posi
   if (target < 0) return Fail(kErrorNegativeSeek);
   const auto wanted = static_cast<uint64_t>(target);
   // A move within the bytes read ahead only moves the cursor.
-  if (r.mode == Mode::kReading && wanted <= r.offset && r.offset - wanted <= r.filled) {
+  if (keep_read_ahead && r.mode == Mode::kReading && wanted <= r.offset &&
+      r.offset - wanted <= r.filled) {
     r.cursor = r.filled - static_cast<uint32_t>(r.offset - wanted);
     position = wanted;
     return true;
