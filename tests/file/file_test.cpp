@@ -8,6 +8,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "core/fake_ui.h"
@@ -274,6 +275,39 @@ TEST(XFile, GatheredBytesAreSeenByEveryObserver) {
   std::memcpy(&third, bytes.data() + 8, 4);
   EXPECT_EQ(third, 2u);
   EXPECT_EQ(bytes.substr(0, 4), "head");
+}
+
+TEST(XFile, NameOperationsOnOtherThreadsDoNotDisturbWriters) {
+  // Operations by name push the gathered bytes of every file; files that their own
+  // threads are writing at that moment must come out whole and in order.
+  ScratchDir dir;
+  Spit(dir / u"src", "s");
+  std::vector<std::thread> writers;
+  for (int t = 0; t < 2; ++t) {
+    writers.emplace_back([&dir, t] {
+      XString16 name = Str(dir.Name(u"w" + std::u16string(1, u'0' + t)));
+      XFile file;
+      ASSERT_TRUE(file.Open(name, kFileWrite | kFileCreateAlways, nullptr));
+      for (uint32_t i = 0; i < 200000; ++i) ASSERT_TRUE(file._Write(&i, 4));
+      ASSERT_TRUE(file.Close());
+    });
+  }
+  XString16 src = Str(dir.Name(u"src"));
+  const std::u16string copy = dir.Name(u"copy");
+  for (int i = 0; i < 200; ++i) {
+    EXPECT_TRUE(XFileCopy(src, copy.c_str()));
+    EXPECT_TRUE(fs::remove(fs::path(copy)));
+  }
+  for (auto& w : writers) w.join();
+  for (const char16_t* w : {u"w0", u"w1"}) {
+    const std::string bytes = Slurp(dir / w);
+    ASSERT_EQ(bytes.size(), 800000u);
+    for (uint32_t i = 0; i < 200000; ++i) {
+      uint32_t v;
+      std::memcpy(&v, bytes.data() + 4 * i, 4);
+      ASSERT_EQ(v, i);
+    }
+  }
 }
 
 TEST(XFile, PositionsShiftsAndUnread) {

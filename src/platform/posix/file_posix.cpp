@@ -316,24 +316,23 @@ void RetainFile(XFileHandle file) {
 }
 
 bool CloseFile(XFileHandle file) {
-  if (file->holders.load(std::memory_order_acquire) > 1) {
-    // Another holder goes on using the file: push the bytes, leave it open.
-    {
-      Using hold(file);
-      if (!PushGathered(*file)) return false;
-    }
-    file->holders.fetch_sub(1, std::memory_order_acq_rel);
-    return true;
-  }
   {
     Using hold(file);
     if (!PushGathered(*file)) return false;
+  }
+  // Another holder goes on using the file: leave it open.
+  if (file->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return true;
+  {
+    Using hold(file);
     if (file->fd >= 0) {
       const int fd = file->fd;
       // The descriptor is gone whatever close reports; a retry only releases the
-      // record.
+      // record, which stays valid for it.
       file->fd = -1;
-      if (::close(fd) != 0 && errno != EINTR) return Fail(ErrorFromErrno(errno));
+      if (::close(fd) != 0 && errno != EINTR) {
+        file->holders.store(1, std::memory_order_relaxed);
+        return Fail(ErrorFromErrno(errno));
+      }
     }
   }
   Release(file);
@@ -341,10 +340,7 @@ bool CloseFile(XFileHandle file) {
 }
 
 void DiscardFile(XFileHandle file) {
-  if (file->holders.load(std::memory_order_acquire) > 1) {
-    file->holders.fetch_sub(1, std::memory_order_acq_rel);
-    return;
-  }
+  if (file->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
   {
     Using hold(file);
     if (file->fd >= 0) ::close(file->fd);
