@@ -8,7 +8,9 @@
 // nearer to it.)
 //
 //===----------------------------------------------------------------------===//
+#include <bit>
 #include <cmath>
+#include <cstring>
 
 #include "format/internal/double_core.h"
 #include "tavi/format/double_text.h"
@@ -20,47 +22,40 @@ namespace {
 
 using format_internal::Decimal;
 
-constexpr char kDigitPairs[] =
-    "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
-    "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
-    "8081828384858687888990919293949596979899";
+constexpr uint64_t kPow10[] = {1,
+                               10,
+                               100,
+                               1000,
+                               10000,
+                               100000,
+                               1000000,
+                               10000000,
+                               100000000,
+                               1000000000,
+                               10000000000,
+                               100000000000,
+                               1000000000000,
+                               10000000000000,
+                               100000000000000,
+                               1000000000000000,
+                               10000000000000000,
+                               100000000000000000,
+                               1000000000000000000};
 
-// The significant digits of a double: digit[0] is worth 10^lead.
+// The significant digits of a double as an integer of `count` digits (at most 17,
+// no trailing zeros), the first of them worth 10^lead. Zero is {0, 1, 0}.
 struct Digits {
-  char digit[24];
+  uint64_t value;
   int count;
   int lead;
 };
 
 int DecimalLength(uint64_t v) {
-  int n = 1;
-  while (v >= 10000) {
-    v /= 10000;
-    n += 4;
-  }
-  while (v >= 10) {
-    v /= 10;
-    ++n;
-  }
-  return n;
-}
-
-void FillDigits(Digits& d, uint64_t v, int exponent) {
-  d.count = DecimalLength(v);
-  d.lead = exponent + d.count - 1;
-  char* p = d.digit + d.count;
-  while (v >= 100) {
-    const unsigned pair = static_cast<unsigned>(v % 100) * 2;
-    v /= 100;
-    *--p = kDigitPairs[pair + 1];
-    *--p = kDigitPairs[pair];
-  }
-  if (v >= 10) {
-    *--p = kDigitPairs[v * 2 + 1];
-    *--p = kDigitPairs[v * 2];
-  } else {
-    *--p = static_cast<char>('0' + v);
-  }
+  // floor(log10(v)) from the bit length, corrected by one comparison.
+  const int bits = 64 - __builtin_clzll(v | 1);
+  int n = (bits * 1233) >> 12;
+  if (v >= kPow10[n]) ++n;
+  return n == 0 ? 1 : n;
 }
 
 // Keeps the first `keep` significant digits, rounding to nearest; the exact value
@@ -69,42 +64,70 @@ void FillDigits(Digits& d, uint64_t v, int exponent) {
 void RoundDigits(Digits& d, int keep, uint64_t bits, const Decimal& shortest) {
   if (keep >= d.count) return;
   if (keep < 0) {
-    d = Digits{{'0'}, 1, 0};
+    d = Digits{0, 1, 0};
     return;
   }
-  bool up;
-  const char cut = d.digit[keep];
-  if (cut != '5' || keep + 1 < d.count) {
-    up = cut >= '5';
-  } else {
+  const uint64_t unit = kPow10[d.count - keep];
+  uint64_t kept = d.value / unit;
+  const uint64_t rest = d.value % unit;
+  const uint64_t half = unit / 2;
+  bool up = rest > half;
+  if (rest == half) {
+    // The decimal ends in that 5: the exact value says which side it lies on.
     const int c = format_internal::CompareWithDecimal(bits, shortest.digits, shortest.exponent);
-    if (c != 0) {
-      up = c > 0;
-    } else {
-      const char last = keep > 0 ? d.digit[keep - 1] : '0';
-      up = ((last - '0') & 1) != 0;
-    }
+    up = c > 0 || (c == 0 && (kept & 1) != 0);
   }
-  if (!up) {
-    if (keep == 0) {
-      d = Digits{{'0'}, 1, 0};
-      return;
-    }
-    d.count = keep;
+  if (up) ++kept;
+  if (kept == 0) {
+    d = Digits{0, 1, 0};
+    return;
+  }
+  d.count = keep;
+  if (kept == kPow10[keep]) {
+    // All nines (or nothing kept) rounded up: the next power of ten.
+    kept = 1;
+    d.count = 1;
+    ++d.lead;
+  }
+  while (kept % 10 == 0) {
+    kept /= 10;
+    --d.count;
+  }
+  d.value = kept;
+}
+
+// Two UTF-16 digits per entry, the first in the low half (stored little-endian).
+struct DigitPairTable {
+  uint32_t pair[100];
+  constexpr DigitPairTable() : pair() {
+    for (uint32_t i = 0; i < 100; ++i) pair[i] = (u'0' + i / 10) | ((u'0' + i % 10) << 16);
+  }
+};
+constexpr DigitPairTable kPairs;
+static_assert(std::endian::native == std::endian::little, "digit pairs are stored little-endian");
+
+// Writes the `count` digits of v (leading zeros where v has fewer) ending just before
+// end. Whole pairs are stored at once, so that the text is written straight into
+// place and never copied in wide loads (which would stall on the narrow stores).
+void WriteDigits(char16_t* end, uint64_t v, int count) {
+  char16_t* p = end;
+  while (v >= 100) {
+    p -= 2;
+    std::memcpy(p, &kPairs.pair[v % 100], 4);
+    v /= 100;
+  }
+  if (v >= 10) {
+    p -= 2;
+    std::memcpy(p, &kPairs.pair[v], 4);
   } else {
-    int i = keep - 1;
-    while (i >= 0 && d.digit[i] == '9') --i;
-    if (i < 0) {
-      // All nines (or nothing kept): the value becomes the next power of ten.
-      d.digit[0] = '1';
-      d.count = 1;
-      ++d.lead;
-      return;
-    }
-    ++d.digit[i];
-    d.count = i + 1;
+    *--p = static_cast<char16_t>(u'0' + v);
   }
-  while (d.count > 1 && d.digit[d.count - 1] == '0') --d.count;
+  while (p > end - count) *--p = u'0';
+}
+
+char16_t* Fill(char16_t* p, char16_t c, int count) {
+  for (int i = 0; i < count; ++i) *p++ = c;
+  return p;
 }
 
 char16_t* WriteUnsigned(char16_t* p, uint32_t v) {
@@ -134,14 +157,14 @@ char16_t* _DoubleToString(uint32_t& length, double value, char16_t* buffer, int8
     value = -value;
   }
 
-  uint64_t bits = format_internal::DoubleBits(value) & ~(uint64_t{1} << 63);
-  Digits d;
+  const uint64_t bits = format_internal::DoubleBits(value) & ~(uint64_t{1} << 63);
+  Digits d{0, 1, 0};
   Decimal shortest{0, 0};
-  if (bits == 0) {
-    d = Digits{{'0'}, 1, 0};
-  } else {
+  if (bits != 0) {
     shortest = format_internal::ShortestDecimal(bits);
-    FillDigits(d, shortest.digits, shortest.exponent);
+    d.value = shortest.digits;
+    d.count = DecimalLength(shortest.digits);
+    d.lead = shortest.exponent + d.count - 1;
   }
 
   int fraction;
@@ -157,35 +180,44 @@ char16_t* _DoubleToString(uint32_t& length, double value, char16_t* buffer, int8
     if (fraction < 0) fraction = 0;
   }
   if (bits != 0) RoundDigits(d, exponent ? 1 + fraction : d.lead + 1 + fraction, bits, shortest);
-  if (d.count == 1 && d.digit[0] == '0') d.lead = 0;
+  if (d.value == 0) d.lead = 0;
 
-  // The digit worth 10^position, zero where the decimal has none.
-  const auto digit_at = [&d](int position) -> char16_t {
-    const int index = d.lead - position;
-    return (index >= 0 && index < d.count) ? static_cast<char16_t>(d.digit[index]) : u'0';
-  };
+  // The power of ten of the digit just before the point, and of the decimal's last
+  // one. After rounding every digit of the decimal is shown; zeros pad what is asked
+  // beyond it.
+  const int unit = exponent ? d.lead : 0;
+  const int last = d.lead - (d.count - 1);
+  if (automatic && fraction > unit - last) fraction = unit - last > 0 ? unit - last : 0;
 
-  if (exponent) {
-    *p++ = static_cast<char16_t>(d.digit[0]);
+  if (exponent || d.lead >= 0) {
+    // Digits before the point: one, or the integer part (zeros beyond the decimal).
+    const int whole = exponent ? 1 : d.lead + 1;
+    const int before = d.count < whole ? d.count : whole;
+    // Written one place to the right, then the part before the point moved back
+    // over the place of the point.
+    WriteDigits(p + 1 + d.count, d.value, d.count);
+    for (int i = 0; i < before; ++i) p[i] = p[i + 1];
+    p = Fill(p + before, u'0', whole - before);
+    if (fraction > 0) {
+      *p++ = point;
+      const int after = d.count - before;
+      p = Fill(p + after, u'0', fraction - after);
+    }
   } else {
-    for (int pos = d.lead > 0 ? d.lead : 0; pos >= 0; --pos) *p++ = digit_at(pos);
-  }
-  const int unit = exponent ? d.lead : 0;  // the position written just before the point
-  if (automatic) {
-    // Only the digits the decimal has.
-    const int last = d.lead - (d.count - 1);
-    const int needed = unit - last;
-    if (fraction > needed) fraction = needed > 0 ? needed : 0;
-  }
-  if (fraction > 0) {
-    *p++ = point;
-    for (int i = 1; i <= fraction; ++i) *p++ = digit_at(unit - i);
+    // "0", the point, zeros down to the first digit, the digits, zeros.
+    *p++ = u'0';
+    if (fraction > 0) {
+      *p++ = point;
+      const int zeros = -d.lead - 1;
+      p = Fill(p, u'0', zeros);
+      WriteDigits(p + d.count, d.value, d.count);
+      p = Fill(p + d.count, u'0', fraction - zeros - d.count);
+    }
   }
   if (exponent) {
     *p++ = u'e';
-    const int e = d.lead;
-    *p++ = e < 0 ? u'-' : u'+';
-    p = WriteUnsigned(p, static_cast<uint32_t>(e < 0 ? -e : e));
+    *p++ = d.lead < 0 ? u'-' : u'+';
+    p = WriteUnsigned(p, static_cast<uint32_t>(d.lead < 0 ? -d.lead : d.lead));
   }
   length = static_cast<uint32_t>(p - buffer) * 2;
   return buffer;
