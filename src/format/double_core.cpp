@@ -264,7 +264,14 @@ uint64_t NearestDouble(const DecimalScan& scan) {
     if (TryNearest(w, q, low) && TryNearest(w + 1, q, high) && low == high) return low;
   }
 
-  // Exact: every significant digit (up to a limit that cannot change the rounding).
+  return NearestDoubleExact(scan);
+}
+
+uint64_t NearestDoubleExact(const DecimalScan& scan) {
+  if (scan.first19 == 0) return 0;
+  if (scan.exponent < kPow10MinExponent) return 0;
+  if (scan.exponent > 308) return kInfinityBits;
+  // Every significant digit (up to a limit that cannot change the rounding).
   BigNumber n;
   int stored = 0;
   bool dropped_nonzero = false;
@@ -293,7 +300,8 @@ uint64_t NearestDouble(const DecimalScan& scan) {
     n.MultiplyAdd(10, 1);
     --e10;
   }
-  return ExactNearest(n, static_cast<int>(e10), Candidate(scan.first19, static_cast<int>(q64)));
+  return ExactNearest(n, static_cast<int>(e10),
+                      Candidate(scan.first19, static_cast<int>(scan.exponent)));
 }
 
 }  // namespace tavi::format_internal

@@ -70,6 +70,10 @@ inline constexpr int kMaxExactDigits = 800;
 // of infinity when it is too large.
 uint64_t NearestDouble(const DecimalScan& scan);
 
+// NearestDoubleExact is NearestDouble decided with big integers alone (the path the
+// fast estimate falls back on), for comparing the two.
+uint64_t NearestDoubleExact(const DecimalScan& scan);
+
 // floor(log2(10^e)) as the conversions compute it, for the table checks.
 int FloorLog2Pow10ForTests(int e);
 
