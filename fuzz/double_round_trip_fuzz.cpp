@@ -42,8 +42,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (uint32_t i = 0; i < length / 2; ++i) ascii += text[i] == point ? '.' : char(text[i]);
   double back = 0;
   const char16_t* stop = tavi::_StringToDouble(back, text, point, 0);
-  FUZZ_ASSERT(stop == text + length / 2);
   const double expected = std::strtod(ascii.c_str(), nullptr);
+  if (std::isinf(expected)) {
+    // Digits rounded up past the largest double ("2e+308" at width 1) do not read.
+    FUZZ_ASSERT(stop == nullptr);
+    return 0;
+  }
+  FUZZ_ASSERT(stop == text + length / 2);
   FUZZ_ASSERT(std::memcmp(&back, &expected, sizeof back) == 0 || (back == 0 && expected == 0));
 
   // Ample width: the shortest decimal, which reads back exactly.
@@ -56,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
 
   // Fixed decimals against printf's exact rounding, or the shortest decimal padded.
-  if (decimals >= 0 && !exponent && value != 0 && std::fabs(value) < 1e17) {
+  if (decimals >= 0 && !exponent && value != 0 && std::fabs(value) < 0x1p53) {
     char shortest[400];
     char* end =
         std::to_chars(shortest, shortest + sizeof shortest, value, std::chars_format::fixed).ptr;

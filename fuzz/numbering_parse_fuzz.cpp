@@ -52,8 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   CheckStop(stop, text, end);
   CheckStop(tavi::_StringRomanToUnsigned(roman32, text), text, end);
   if (stop != nullptr && stop - text < 1000 && roman < 93000 && !(*text >= u'0' && *text <= u'9')) {
-    char16_t out[tavi::kRomanTextCapacity];
+    char16_t out[tavi::kRomanTextCapacity + 1];
     char16_t* out_end = out + tavi::kRomanTextCapacity;
+    *out_end = 0;  // the writers do not terminate; the reader needs it
     const char16_t* numeral = tavi::_UnsignedToRomanCapital(roman, out_end);
     uint64_t again = 1;
     FUZZ_ASSERT(tavi::_StringRomanToUnsigned(again, numeral) == out_end || roman == 0);

@@ -54,10 +54,13 @@ inline constexpr uint32_t kDoubleTextCapacity = 528;
 // point with no digit after it.
 //
 // Digits and rounding: the digits are those of the shortest decimal that reads back
-// to value, followed by zeros where more are asked for. When fewer are asked for, the
-// text is value rounded to nearest at the last digit written, an exact tie going to
-// an even digit (0.125 with two decimals is "0.12", 0.375 is "0.38"). So with enough
-// width, automatic precision reads back with _StringToDouble to the same double.
+// to value, followed by zeros where more are asked for (0.1 with 20 decimals is
+// "0.10000000000000000000", and 2^60 with none "1152921504606847000", not the binary
+// value's exact expansion). When fewer are asked for, the text is value rounded to
+// nearest at the last digit written, an exact tie going to an even digit (0.125 with
+// two decimals is "0.12", 0.375 is "0.38"; 0.15 is "0.1" as the double lies below
+// 0.15). So with enough width, automatic precision reads back with _StringToDouble
+// to the same double.
 TAVI_API char16_t* _DoubleToString(uint32_t& length, double value, char16_t* buffer,
                                    int8_t decimals, bool exponent, bool shortFraction,
                                    uint8_t width, char16_t point);
