@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const char16_t* digits = text;
     while (*digits == u' ') ++digits;
     while (digits + 1 < stop && *digits == first) ++digits;
-    if (stop - digits <= 8) {
+    if (stop - digits <= 8 && last > first) {  // the writer needs a base of 2 or more
       char16_t out[tavi::kLetterTextCapacity];
       char16_t* out_end = out + tavi::kLetterTextCapacity;
       const char16_t* written = tavi::_UnsignedToLetter(letters, out_end, first, last);
