@@ -13,8 +13,9 @@
 namespace tavi::format_internal {
 
 // BigNumber holds up to kLimbs 32-bit limbs (least significant first). An operation
-// whose result would not fit sets the overflow flag and leaves the value undefined;
-// callers bound their inputs so that it never happens, and check Overflowed() anyway.
+// whose result would not fit sets the overflow flag and leaves the value unspecified
+// (never memory outside the object). The double conversions stay below 5000 bits: at
+// most 801 significant digits, powers of five up to 5^1146 and shifts up to 2^2200.
 class BigNumber {
  public:
   static constexpr int kLimbs = 400;  // 12800 bits
