@@ -38,34 +38,43 @@ const char16_t* _StringToDouble(double& value, const char16_t* text, char16_t po
   uint64_t w = 0;
   int count = 0;      // significant digits held in w
   int64_t scale = 0;  // power of ten of w's last digit, before the exponent
-  bool any_digit = false;
-  bool seen_point = false;
-  bool more = false;
-  for (;; ++p) {
-    const char16_t c = *p;
-    if (IsDigit(c)) {
-      const uint32_t digit = static_cast<uint32_t>(c - u'0');
-      any_digit = true;
-      if (count == 0 && digit == 0) {
-        if (seen_point) --scale;
-      } else if (count < 19) {
+  bool more = false;  // a non-zero digit beyond the 19 held
+  const char16_t* const digits_start = p;
+
+  // Digits before the point: leading zeros carry nothing; beyond 19 digits each
+  // still scales the value.
+  while (*p == u'0') ++p;
+  for (; IsDigit(*p); ++p) {
+    const auto digit = static_cast<uint32_t>(*p - u'0');
+    if (count < 19) {
+      w = w * 10 + digit;
+      ++count;
+    } else {
+      ++scale;
+      more |= digit != 0;
+    }
+  }
+  bool any_digit = p != digits_start;
+  if (is_point(*p)) {
+    ++p;
+    // Digits after the point: zeros before the first significant digit only scale.
+    const char16_t* const fraction_start = p;
+    if (count == 0) {
+      for (; *p == u'0'; ++p) --scale;
+    }
+    for (; IsDigit(*p); ++p) {
+      const auto digit = static_cast<uint32_t>(*p - u'0');
+      if (count < 19) {
         w = w * 10 + digit;
         ++count;
-        if (seen_point) --scale;
+        --scale;
       } else {
-        // A digit beyond the 19 kept: before the point it still scales the value.
-        if (!seen_point) ++scale;
         more |= digit != 0;
       }
-    } else if (is_point(c)) {
-      if (seen_point) {
-        if (!any_digit) return nullptr;
-        break;
-      }
-      seen_point = true;
-    } else {
-      break;
     }
+    any_digit |= p != fraction_start;
+    // A second point ends the number, or refuses it when no digit came first.
+    if (is_point(*p) && !any_digit) return nullptr;
   }
   if (!any_digit) return nullptr;
   scan.end = p;
