@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   const size_t count = input.size() / 2;
   auto block = std::make_unique<char16_t[]>(count + 1);
-  std::memcpy(block.get(), input.data(), count * 2);
+  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
   block[count] = 0;
   int64_t value = 0;
   const char16_t* stop =

@@ -116,7 +116,34 @@ const char16_t* ParseSigned(S& value, const char16_t* text) {
   return p;
 }
 
+template <typename U>
+const char16_t* PlainDecimalOf(U& value, const char16_t* p) {
+  constexpr U kMax = std::numeric_limits<U>::max();
+  while (*p == u' ') ++p;
+  if (DecimalDigit(*p) > 9) return nullptr;
+  U v = 0;
+  for (uint32_t n = 0, d; (d = DecimalDigit(*p)) <= 9; ++p, ++n) {
+    if (n == 21) return nullptr;
+    if (n == 20 && !(sizeof(U) == 8 ? v <= kMax / 10 && v * 10 <= kMax - d : v < kMax / 10))
+      return nullptr;
+    v = static_cast<U>(v * 10 + d);
+  }
+  value = v;
+  return p;
+}
+
 }  // namespace
+
+namespace internal {
+
+const char16_t* PlainDecimal(uint64_t& value, const char16_t* text) {
+  return PlainDecimalOf(value, text);
+}
+const char16_t* PlainDecimal(uint32_t& value, const char16_t* text) {
+  return PlainDecimalOf(value, text);
+}
+
+}  // namespace internal
 
 const char16_t* _StringToUnsigned(uint64_t& value, const char16_t* text) {
   return ParseDecimal(value, text);

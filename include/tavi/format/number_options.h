@@ -9,16 +9,18 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "tavi/export.h"
 
 namespace tavi {
 
-#pragma pack(push, 1)
-// strEnvNumberOptions is a plain record without padding (29 bytes), copied
-// bytewise, reserved character included. A default-constructed record holds the
-// portable settings: point ".", group separator U+00A0 (no-break space), no
-// alternative point, digits "0123456789", print width 16.
+// strEnvNumberOptions is a plain record, copied bytewise, reserved character
+// included. A default-constructed record holds the portable settings: point ".",
+// group separator U+00A0 (no-break space), no alternative point, digits
+// "0123456789", print width 16. The fields keep their natural alignment (one byte
+// of padding follows PrintWidth) so that each can be bound to a reference; the
+// record is never stored, so its size is not part of any format.
 struct TAVI_API strEnvNumberOptions {
   // The number of characters a double may fill when printed with automatic
   // precision.
@@ -83,9 +85,8 @@ struct TAVI_API strEnvNumberOptions {
   // alternative point: read AltPointMarkChar for that. Existing callers rely on it.
   char16_t PointMarkAlt() const { return PointMarkChar; }
 };
-#pragma pack(pop)
 
-static_assert(sizeof(strEnvNumberOptions) == 29, "number options are a packed 29-byte record");
+static_assert(std::is_trivially_copyable_v<strEnvNumberOptions>, "number options copy bytewise");
 
 // The portable settings, for locale-independent text (file formats, logs).
 TAVI_API extern strEnvNumberOptions gPortableNumberOptions;

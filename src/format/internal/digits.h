@@ -1,7 +1,7 @@
 //===- digits.h - Digit writers shared by the number formatters -*- C++ -*-===//
 //
-// The plain one-digit-per-division writer for any radix and the fast decimal
-// writer, exposed so that tests can compare them.
+// The plain one-digit-per-step writer and reader beside the fast decimal ones,
+// exposed so that tests can compare them.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -16,6 +16,11 @@ char16_t* PlainDigits(uint64_t value, char16_t* end, uint32_t radix);
 // Writes value in decimal backwards before end, two digits per step.
 char16_t* FastDecimal(uint32_t value, char16_t* end);
 char16_t* FastDecimal(uint64_t value, char16_t* end);
+
+// PlainDecimal reads decimal text one digit per step by the same rules as the
+// decimal _StringToUnsigned; the parsers' tests and fuzz targets compare with it.
+const char16_t* PlainDecimal(uint64_t& value, const char16_t* text);
+const char16_t* PlainDecimal(uint32_t& value, const char16_t* text);
 
 // The value of a character as a digit 0..9, or a number above 9.
 inline uint32_t DecimalDigit(char16_t c) {
