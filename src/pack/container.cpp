@@ -6,6 +6,7 @@
 //===----------------------------------------------------------------------===//
 #include "tavi/pack/container.h"
 
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -17,6 +18,7 @@
 #include "tavi/crypt/crc32.h"
 #include "tavi/crypt/sha256.h"
 #include "tavi/io/pack_number.h"
+#include "tavi/pack/huffman.h"
 
 namespace tavi {
 namespace {
@@ -125,6 +127,20 @@ struct Payload {
   uint32_t length = 0;
 };
 
+// A work buffer for a coder's output. Its step grows with the input so that coding a
+// large block reallocates a few dozen times, not once per 32 bytes.
+uint32_t WorkGranularity(uint32_t size) {
+  const uint32_t step = size / 8;
+  return step < 4096 ? 4096 : (step > (16u << 20) ? (16u << 20) : step);
+}
+
+// Takes a coder's output as the payload when it is shorter than the best so far.
+void Consider(Payload& best, uint32_t method, const XBuffer& coded) {
+  if (coded.GetBufferPos() < best.length) {
+    best = {method, coded._GetBufferAt(0), coded.GetBufferPos()};
+  }
+}
+
 bool Pack(const strXPackRecord& r) {
   XIO* stream = r.stream;
   if (stream == nullptr) return false;
@@ -141,6 +157,13 @@ bool Pack(const strXPackRecord& r) {
   const auto* data = static_cast<const uint8_t*>(r.data);
   const uint32_t size = r.size_low;
   Payload best{kXPackStored, data, size};
+  XBuffer huffman(WorkGranularity(size));
+  // The Huffman coder takes the best length in bytes as its limit in bits (see the
+  // header); it counts at most 2^31-1 bytes, so larger blocks are not offered to it.
+  if ((r.methods & kXPackTryHuffman) && size <= INT32_MAX &&
+      HufmanCode(huffman, data, static_cast<int32_t>(size), best.length)) {
+    Consider(best, kXPackHuffman, huffman);
+  }
 
   const uint32_t applied = r.flags & kXPackAppliedFlags;
   FilterChain chain(*stream, applied, r.password);
@@ -163,6 +186,8 @@ bool DecodePayload(uint32_t method, XIO& source, XIO& output, uint32_t count) {
   switch (method) {
     case kXPackStored:
       return CopyExactly(source, output, count);
+    case kXPackHuffman:
+      return count <= INT32_MAX && HufmanDecode(output, source, static_cast<int32_t>(count));
     default:
       source.SetErrorCode(kErrLoadEncoding);
       return false;
