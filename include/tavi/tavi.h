@@ -26,6 +26,7 @@
 #include "tavi/io/stream.h"
 #include "tavi/pack/container.h"
 #include "tavi/pack/huffman.h"
+#include "tavi/pack/lz.h"
 #include "tavi/resource/string_resource.h"
 #include "tavi/thread/count_safe.h"
 #include "tavi/thread/parallel.h"
