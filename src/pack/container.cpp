@@ -19,6 +19,7 @@
 #include "tavi/crypt/sha256.h"
 #include "tavi/io/pack_number.h"
 #include "tavi/pack/huffman.h"
+#include "tavi/pack/lz.h"
 
 namespace tavi {
 namespace {
@@ -157,6 +158,10 @@ bool Pack(const strXPackRecord& r) {
   const auto* data = static_cast<const uint8_t*>(r.data);
   const uint32_t size = r.size_low;
   Payload best{kXPackStored, data, size};
+  XBuffer lz(WorkGranularity(size));
+  if ((r.methods & kXPackTryLZ) && LZX3Code(lz, data, size, kXPackLZWindow)) {
+    Consider(best, kXPackLZ, lz);
+  }
   XBuffer huffman(WorkGranularity(size));
   // The Huffman coder takes the best length in bytes as its limit in bits (see the
   // header); it counts at most 2^31-1 bytes, so larger blocks are not offered to it.
@@ -188,6 +193,8 @@ bool DecodePayload(uint32_t method, XIO& source, XIO& output, uint32_t count) {
       return CopyExactly(source, output, count);
     case kXPackHuffman:
       return count <= INT32_MAX && HufmanDecode(output, source, static_cast<int32_t>(count));
+    case kXPackLZ:
+      return LZX3Decode(output, source, count);
     default:
       source.SetErrorCode(kErrLoadEncoding);
       return false;

@@ -79,10 +79,11 @@ Vec HashOf(const Vec& v) {
 }
 
 // Kinds of data: one repeated value, English-like text, two values at random,
-// random bytes, and runs of random bytes repeated at varying distances.
+// random bytes, and random bytes of which three stretches in four repeat earlier ones.
 Vec Make(int kind, size_t size, uint32_t seed = 1) {
   std::mt19937 rng(seed);
   Vec v(size);
+  size_t distance = 0;
   static const char kText[] = "the quick brown fox jumps over the lazy dog, then packs its bags. ";
   for (size_t i = 0; i < size; ++i) {
     switch (kind) {
@@ -99,7 +100,8 @@ Vec Make(int kind, size_t size, uint32_t seed = 1) {
         v[i] = static_cast<uint8_t>(rng());
         break;
       default:
-        v[i] = (i > 300 && rng() % 4 != 0) ? v[i - 1 - rng() % 300] : uint8_t(rng());
+        if (i % 64 == 0) distance = (i > 300 && rng() % 4 != 0) ? 5 + rng() % 296 : 0;
+        v[i] = distance ? v[i - distance] : static_cast<uint8_t>(rng());
         break;
     }
   }
@@ -134,7 +136,7 @@ TEST(XPack, MethodChoice) {
   const struct {
     int kind;
     uint32_t methods, method;
-  } cases[] = {{3, 3, 0}, {1, 1, 0}, {2, 1, 0}, {0, 3, 1}};
+  } cases[] = {{3, 3, 0}, {1, 1, 0}, {2, 1, 0}, {0, 3, 1}, {1, 2, 2}, {1, 3, 2}, {4, 3, 2}};
   for (const auto& c : cases) {
     const Result r = Pack(Make(c.kind, 5000), 0x1, c.methods);
     EXPECT_EQ(Word(r.bytes, 0), c.method) << c.kind << " " << c.methods;

@@ -96,8 +96,9 @@ static_assert(offsetof(strXPackRecord, flags) == 12 && offsetof(strXUnpackRecord
 //   is set): the byte count as a 16-bit-unit packed number, the payload, the CRC-32
 //   of count and payload (4 bytes, enciphered, not hashed), the hash of count and
 //   payload (32 bytes), and the final flush (AES writes its last partial block).
-// The payload is the shortest of the stored bytes, the LZ stream (window 4096, when
-// kXPackTryLZ) and the Huffman stream (when kXPackTryHuffman). Huffman coding is
+// The payload is the shortest of the stored bytes, the LZX3Code stream (window 4096,
+// when kXPackTryLZ) and the HufmanCode stream (when kXPackTryHuffman; blocks of 2 GiB
+// and more are not offered to it), ties going to the earlier of the three. Huffman coding is
 // tried with the byte length of the best so far as its limit, which the Huffman
 // coder compares with its estimate in bits: it is chosen only when its whole output,
 // tree included, is estimated at fewer bits than the best has bytes.
