@@ -13,6 +13,7 @@
 
 #include "core/internal/endian.h"
 #include "crypt/internal/xor_cipher.h"
+#include "pack/internal/coder_path.h"
 #include "tavi/core/buffer.h"
 #include "tavi/crypt/aes256.h"
 #include "tavi/crypt/crc32.h"
@@ -201,6 +202,64 @@ bool DecodePayload(uint32_t method, XIO& source, XIO& output, uint32_t count) {
   }
 }
 
+// The object holding the cause of a failed decode: the source side when it has an
+// error, else the output (the coders leave their causes there).
+const XError& CauseOf(const XIO& source, const XIO& output) {
+  return source.IsError() ? static_cast<const XError&>(source) : output;
+}
+
+// XIO that takes every write and keeps nothing.
+class DiscardIO : public XIO {
+ public:
+  bool _Write(const void*, uint32_t) override { return true; }
+};
+
+// Unpacks the container at the cursor of a memory buffer. The coders decode fastest
+// from memory, not through a chain of filters, so the container is made plain in
+// memory once: the buffer itself, or with a cipher flag a deciphered copy of the
+// whole blocks left in it. The payload is decoded there, then the bytes used pass
+// through the CRC and hash filters in one piece and the trailers are checked as on
+// the stream. Results, errors and the final cursor (just past the container) are
+// those of unpacking through the filter chain.
+bool UnpackInMemory(XBuffer& source, uint32_t method, uint32_t flags, const char16_t* password,
+                    XIO& output) {
+  const uint32_t start = source.GetCurrentPos();
+  const uint32_t end = source.GetBufferPos();
+  const uint32_t available = start <= end ? end - start : 0;
+  const bool aes = (flags & kXPackAES) != 0;
+  XBuffer copy;
+  XBuffer* plain = &source;
+  if (flags & kCipherFlags) {
+    const uint32_t usable = aes ? available & ~15u : available;
+    FilterChain ciphers(source, flags & kCipherFlags, password);
+    void* area = usable != 0 ? copy.ReserveBufferMem(usable) : nullptr;
+    if (usable != 0 && area == nullptr) return Fail(source, copy);
+    if (usable != 0 && ciphers.Top()._Read(area, usable) != usable) {
+      return Fail(source, ciphers.Top());
+    }
+    plain = &copy;
+  }
+  const uint32_t first = plain->GetCurrentPos();
+
+  uint32_t count = 0;
+  if (!_ReadPackNumber16(*plain, count)) return Fail(source, *plain);
+  if (!DecodePayload(method, *plain, output, count)) {
+    return Fail(source, CauseOf(*plain, output));
+  }
+  const uint32_t used = plain->GetCurrentPos() - first;
+  plain->_SetCurrentPos(first);
+  FilterChain checks(*plain, flags & (kXPackCRC | kXPackHash), nullptr);
+  DiscardIO discard;
+  if (!CopyExactly(checks.Top(), discard, used)) return Fail(source, checks.Top());
+  if (XIO* failed = checks.CheckTrailers()) return Fail(source, *failed);
+  if (plain == &copy) {
+    // The cipher filters would have consumed whole AES blocks up to the last byte used.
+    const uint32_t consumed = plain->GetCurrentPos() - first;
+    source._SetCurrentPos(start + (aes ? (consumed + 15) & ~15u : consumed));
+  }
+  return true;
+}
+
 bool Unpack(const strXUnpackRecord& r) {
   XIO* stream = r.stream;
   if (stream == nullptr) return false;
@@ -233,13 +292,16 @@ bool Unpack(const strXUnpackRecord& r) {
     }
   }
 
+  if (pack_internal::CoderActivePath() == pack_internal::CoderPath::kFast && flags != 0) {
+    if (auto* memory = dynamic_cast<XBuffer*>(stream)) {
+      return UnpackInMemory(*memory, method, flags, r.password, *r.output);
+    }
+  }
   FilterChain chain(*stream, flags, r.password);
   XIO& top = chain.Top();
   uint32_t count = 0;
   if (!_ReadPackNumber16(top, count)) return Fail(*stream, top);
-  if (!DecodePayload(method, top, *r.output, count)) {
-    return Fail(*stream, top.IsError() ? static_cast<const XError&>(top) : *r.output);
-  }
+  if (!DecodePayload(method, top, *r.output, count)) return Fail(*stream, CauseOf(top, *r.output));
   if (XIO* failed = chain.CheckTrailers()) return Fail(*stream, *failed);
   return true;
 }

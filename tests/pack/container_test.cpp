@@ -42,10 +42,14 @@ Result Pack(const Vec& data, uint32_t flags, uint32_t methods,
   return {ok, out.GetErrorCode(), Data(out)};
 }
 
-// Unpacks stream; error is the stream's error, bytes what reached the output.
-Result Unpack(const Vec& stream, uint32_t flags = 0, const char16_t* password = u"pass word") {
-  XBuffer in, out;
-  if (!stream.empty()) in._Write(stream.data(), static_cast<uint32_t>(stream.size()));
+// Unpacks stream; error is the stream's error, bytes what reached the output. A memory
+// buffer as the stream takes the in-memory path, any other stream the filter chain.
+Result Unpack(const Vec& stream, uint32_t flags = 0, const char16_t* password = u"pass word",
+              bool from_memory = true) {
+  XBuffer memory, out;
+  test::Source other(stream);
+  if (!stream.empty()) memory._Write(stream.data(), static_cast<uint32_t>(stream.size()));
+  XIO& in = from_memory ? static_cast<XIO&>(memory) : other;
   strXUnpackRecord r;
   r.flags = flags;
   r.stream = &in;
@@ -53,6 +57,16 @@ Result Unpack(const Vec& stream, uint32_t flags = 0, const char16_t* password = 
   r.output = &out;
   const bool ok = XPack(&r);
   return {ok, in.GetErrorCode(), Data(out)};
+}
+
+// Unpacks through both paths, which must agree, and returns the result.
+Result UnpackBoth(const Vec& stream, uint32_t flags = 0, const char16_t* password = u"pass word") {
+  const Result memory = Unpack(stream, flags, password, true);
+  const Result chain = Unpack(stream, flags, password, false);
+  EXPECT_EQ(memory.ok, chain.ok);
+  EXPECT_EQ(memory.error, chain.error);
+  EXPECT_EQ(memory.bytes, chain.bytes);
+  return memory;
 }
 
 uint32_t Word(const Vec& v, size_t at) {
@@ -168,7 +182,7 @@ TEST(XPack, RoundTripsEveryMethodAndFlagCombination) {
           SCOPED_TRACE(testing::Message() << kind << " " << size << " " << methods << " " << flags);
           const Result packed = Pack(data, flags, methods);
           ASSERT_TRUE(packed.ok);
-          EXPECT_EQ(Unpack(packed.bytes, flags & 0x80000000 ? flags : 0).bytes, data);
+          EXPECT_EQ(UnpackBoth(packed.bytes, flags & 0x80000000 ? flags : 0).bytes, data);
         }
       }
     }
@@ -191,18 +205,23 @@ TEST(XPack, RoundTripsSizesAndKinds) {
 }
 
 TEST(XPack, ContainersReadBackToBackWithoutReadingAhead) {
-  const Vec a = Make(1, 5000), b = Make(4, 7000);
-  const Vec both = Cat({Pack(a, 0x1, 3).bytes, Pack(b, 0x2002, 3).bytes, Bytes({0xEE})});
-  XBuffer in, out;
-  in._Write(both.data(), static_cast<uint32_t>(both.size()));
-  strXUnpackRecord r;
-  r.stream = &in;
-  r.password = u"pass word";
-  r.output = &out;
-  ASSERT_TRUE(XPack(&r));
-  ASSERT_TRUE(XPack(&r));
-  EXPECT_EQ(Data(out), Cat({a, b}));
-  EXPECT_EQ(in.GetBufferPos() - in.GetCurrentPos(), 1u);
+  const Vec a = Make(1, 5000), b = Make(4, 7000), c = Make(0, 999);
+  const Vec all = Cat(
+      {Pack(a, 0x1, 3).bytes, Pack(b, 0x2002, 3).bytes, Pack(c, 0x1001, 3).bytes, Bytes({0xEE})});
+  XBuffer memory, out;
+  memory._Write(all.data(), static_cast<uint32_t>(all.size()));
+  test::Source other(all);
+  for (XIO* in : {static_cast<XIO*>(&memory), static_cast<XIO*>(&other)}) {
+    out.ResetBufferPos();
+    strXUnpackRecord r;
+    r.stream = in;
+    r.password = u"pass word";
+    r.output = &out;
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(XPack(&r));
+    EXPECT_EQ(Data(out), Cat({a, b, c}));
+  }
+  EXPECT_EQ(memory.GetBufferPos() - memory.GetCurrentPos(), 1u);
+  EXPECT_EQ(other.Left(), 1u);
 }
 
 TEST(XPack, PackRefusals) {
@@ -256,7 +275,7 @@ TEST(XPack, UnpackRefusals) {
       {Bytes({0, 0, 0, 0, 3, 0}), 0, u"p", kErrEndOfData},
   };
   for (const Case& c : cases) {
-    const Result r = Unpack(c.stream, c.flags, c.password);
+    const Result r = UnpackBoth(c.stream, c.flags, c.password);
     EXPECT_FALSE(r.ok);
     EXPECT_EQ(r.error, c.code);
     EXPECT_TRUE(r.bytes.empty());
@@ -275,14 +294,14 @@ TEST(XPack, DamagedStreamsFailWithEndOfData) {
     for (int kind : {0, 4}) {
       const Vec good = Pack(Make(kind, 600), flags, 3).bytes;
       for (size_t cut = 0; cut < good.size(); ++cut) {
-        const Result r = Unpack(Vec(good.begin(), good.begin() + cut));
+        const Result r = UnpackBoth(Vec(good.begin(), good.begin() + cut));
         ASSERT_FALSE(r.ok) << cut;
         ASSERT_EQ(r.error, kErrEndOfData) << cut;
       }
       for (size_t bit = 64; bit < good.size() * 8; ++bit) {
         Vec bad = good;
         bad[bit / 8] ^= uint8_t(1u << bit % 8);
-        const Result r = Unpack(bad);
+        const Result r = UnpackBoth(bad);
         ASSERT_FALSE(r.ok) << flags << " " << kind << " " << bit;
         ASSERT_EQ(r.error, kErrEndOfData) << bit;
       }

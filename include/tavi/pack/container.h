@@ -120,11 +120,20 @@ static_assert(offsetof(strXPackRecord, flags) == 12 && offsetof(strXUnpackRecord
 //               coded payload that does not decode to the count; a CRC or hash
 //               trailer that does not match
 //   others      errors of output (a failed write) are imported as they are.
+// When the stream is an XBuffer, unpacking works on its memory: the container is
+// deciphered there in one piece (the whole blocks left after the cursor, when a
+// cipher flag is set), decoded from memory and checked; results, errors and the
+// final cursor are those of reading through the filters, which other streams do.
+// Either way the stream is consumed up to the end of the container, never beyond.
 // On hostile input unpacking never reads past what the stream delivers, never
-// allocates in proportion to the declared count before the data arrives (the bytes
-// move through a fixed-size area, the coders keep fixed-size state), and always
-// ends: every step consumes stream bytes or output bytes. Bytes already decoded are
-// in output when a later check fails; the result then is still false.
+// allocates in proportion to the declared count before the data arrives (bytes move
+// through a fixed-size area, the coders keep fixed-size state; the in-memory copy is
+// the size of the data already in the buffer), and always ends: every step consumes
+// stream bytes or produces output bytes, at most the count. The count is honoured
+// even for a tiny payload (a block of one byte value codes to a few bits), so a
+// dozen bytes can unpack to 4 GiB: a caller unpacking untrusted data gives an output
+// stream that refuses what it will not hold. Bytes already decoded are in output
+// when a later check fails; the result then is still false.
 TAVI_API bool XPack(const void* record);
 
 }  // namespace tavi
