@@ -132,8 +132,8 @@ static_assert(offsetof(strXPackRecord, flags) == 12 && offsetof(strXUnpackRecord
 // stream bytes or produces output bytes, at most the count. The count is honoured
 // even for a tiny payload (a block of one byte value codes to a few bits), so a
 // dozen bytes can unpack to 4 GiB: a caller unpacking untrusted data gives an output
-// stream that refuses what it will not hold. Bytes already decoded are in output
-// when a later check fails; the result then is still false.
+// stream that refuses what it will not hold. When unpacking fails, output may hold
+// part of the bytes (those decoded before a later check failed, for example).
 TAVI_API bool XPack(const void* record);
 
 }  // namespace tavi
