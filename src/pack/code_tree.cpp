@@ -141,25 +141,4 @@ void BuildDecodeTable(const CodeTree& tree, DecodeTable& table) {
   FillTable(tree, root, 0, 0, table);
 }
 
-bool ShortCodes(const CodeTree& tree) {
-  // Depth of every leaf, by a walk from the root.
-  struct Step {
-    int32_t node;
-    uint32_t depth;
-  };
-  Step stack[CodeTree::kMaxNodes];
-  uint32_t top = 0;
-  stack[top++] = {tree.root, 0};
-  while (top != 0) {
-    const Step s = stack[--top];
-    if (tree.IsLeaf(s.node)) {
-      if (s.depth > DecodeTable::kBits) return false;
-      continue;
-    }
-    stack[top++] = {tree.child[s.node][0], s.depth + 1};
-    stack[top++] = {tree.child[s.node][1], s.depth + 1};
-  }
-  return true;
-}
-
 }  // namespace tavi::pack_internal

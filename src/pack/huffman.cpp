@@ -378,7 +378,6 @@ bool DecodeFast(XIO& out, XBuffer& in, uint32_t size) {
   }
   auto table = std::make_unique<DecodeTable>();
   pack_internal::BuildDecodeTable(*tree, *table);
-  const bool short_codes = pack_internal::ShortCodes(*tree);
   constexpr uint32_t kChunk = 65536;
   const uint32_t area_size = size < kChunk ? size : kChunk;
   std::unique_ptr<uint8_t[]> area(new (std::nothrow) uint8_t[area_size]);
@@ -388,7 +387,7 @@ bool DecodeFast(XIO& out, XBuffer& in, uint32_t size) {
   }
   while (size != 0) {
     const uint32_t n = size < kChunk ? size : kChunk;
-    if (!reader.Symbols(*tree, *table, short_codes, area.get(), n)) {
+    if (!reader.Symbols(*tree, *table, area.get(), n)) {
       in._SetCurrentPos(start + avail);
       out.SetSafeErrorCode(kErrEndOfData);
       return false;

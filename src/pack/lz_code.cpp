@@ -159,7 +159,7 @@ class HashChains {
  public:
   static constexpr uint32_t kHashBits = 15;
   static constexpr uint32_t kRing = 65536;  // more than the window: no live entry is reused
-  static constexpr uint32_t kMaxChain = 48;
+  static constexpr uint32_t kMaxChain = 24;
   static constexpr uint32_t kNiceLength = 96;
 
   HashChains(const uint8_t* d, uint64_t size, uint64_t window)
@@ -256,7 +256,7 @@ std::vector<Ref> ParseX4(const uint8_t* d, uint64_t size, uint64_t window) {
       chains->EnterUpTo(p + 1);
       uint32_t dist2 = 0;
       const uint32_t len2 = chains->Find(p + 1, dist2);
-      if (len2 > len + 1) {
+      if (len2 > len) {
         ++p;
         continue;
       }

@@ -34,7 +34,6 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
   if (!in.Bit(flag)) return Outcome::kBadInput;
   std::unique_ptr<CodeTree> tree;
   std::unique_ptr<DecodeTable> table;
-  bool short_codes = false;
   if (flag) {
     tree.reset(new (std::nothrow) CodeTree);
     table.reset(new (std::nothrow) DecodeTable);
@@ -43,7 +42,6 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
       return Outcome::kBadInput;
     }
     pack_internal::BuildDecodeTable(*tree, *table);
-    short_codes = pack_internal::ShortCodes(*tree);
   }
   if (size == 0) return Outcome::kOk;
 
@@ -75,8 +73,8 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
       if (flag && !in.Bit(coded)) return Outcome::kBadInput;
       if (v > remaining) return Outcome::kBadInput;
       if (!room(v)) return Outcome::kWriteFailed;
-      const bool ok = coded ? in.Symbols(*tree, *table, short_codes, hist.get() + pos, v)
-                            : in.Bytes(hist.get() + pos, v);
+      const bool ok =
+          coded ? in.Symbols(*tree, *table, hist.get() + pos, v) : in.Bytes(hist.get() + pos, v);
       if (!ok) return Outcome::kBadInput;
       pos += v;
       produced += v;
