@@ -167,7 +167,7 @@ class MemBitReader {
     }
     if (bits_ < DecodeTable::kBits) Refill();
     const uint32_t e = table.entry[acc_ & kPeekMask];
-    const uint32_t len = (e >> 16) & 0xFF;
+    const uint32_t len = (e >> 16) & 0xF;
     if (len > bits_) return false;
     Consume(len);
     if (e & DecodeTable::kLeaf) {
@@ -184,7 +184,8 @@ class MemBitReader {
     return true;
   }
   // Symbols decodes n codes into dst. While at least 8 input bytes are left it
-  // refills once per five codes, leaving the loop for a code longer than the table.
+  // refills once per five look-ups of one or two codes each, leaving the loop for a
+  // code longer than the table.
   bool Symbols(const CodeTree& tree, const DecodeTable& table, uint8_t* dst, size_t n) {
     if (table.single) {
       std::memset(dst, table.single_symbol, n);
@@ -192,7 +193,7 @@ class MemBitReader {
     }
     static_assert(5 * DecodeTable::kBits <= 56, "five codes per refill");
     size_t i = 0;
-    while (n - i >= 5 && end_ - p_ >= 8) {
+    while (n - i >= 10 && end_ - p_ >= 8) {
       Refill();
       for (int k = 0; k < 5; ++k) {
         const uint32_t e = table.entry[acc_ & kPeekMask];
@@ -200,10 +201,13 @@ class MemBitReader {
           if (!Symbol(tree, table, dst[i++])) return false;
           break;
         }
-        const uint32_t len = (e >> 16) & 0xFF;
+        // Both bytes are stored; without a pair the second is overwritten next.
+        const uint32_t len = (e >> 20) & 0xF;
         acc_ >>= len;
         bits_ -= len;
-        dst[i++] = static_cast<uint8_t>(e);
+        dst[i] = static_cast<uint8_t>(e);
+        dst[i + 1] = static_cast<uint8_t>(e >> 8);
+        i += 1 + ((e & DecodeTable::kPair) >> 24);
       }
     }
     for (; i < n; ++i) {
