@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <typeinfo>
 
 #include "core/internal/endian.h"
 #include "core/internal/kernel_choice.h"
@@ -423,7 +424,9 @@ bool HufmanDecode(XIO& out, XIO& in, int32_t size) {
   }
   if (size == 0) return true;
   if (pack_internal::CoderActivePath() == CoderPath::kFast) {
-    if (auto* memory = dynamic_cast<XBuffer*>(&in)) {
+    // Only a plain buffer: a derived stream may read differently from its memory.
+    if (typeid(in) == typeid(XBuffer)) {
+      auto* memory = static_cast<XBuffer*>(&in);
       return DecodeFast(out, *memory, static_cast<uint32_t>(size));
     }
   }

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <typeinfo>
 
 #include "pack/internal/bit_io.h"
 #include "pack/internal/code_tree.h"
@@ -138,7 +139,9 @@ bool LZX3Decode(XIO& out, XIO& in, int64_t size) {
   }
   const auto n = static_cast<uint64_t>(size);
   if (pack_internal::CoderActivePath() == pack_internal::CoderPath::kFast) {
-    if (auto* memory = dynamic_cast<XBuffer*>(&in)) {
+    // Only a plain buffer: a derived stream may read differently from its memory.
+    if (typeid(in) == typeid(XBuffer)) {
+      auto* memory = static_cast<XBuffer*>(&in);
       // Straight from memory; the read cursor then moves past the bytes used.
       const uint32_t start = memory->GetCurrentPos();
       const uint32_t end = memory->GetBufferPos();
