@@ -168,6 +168,14 @@ void RegisterCorpus(const Corpus& c) {
       LZX3Code(out, d.data(), n3, kLZWindowMax);
       benchmark::DoNotOptimize(out.GetBufferPos());
     });
+    XBuffer coded3w;
+    LZX3Code(coded3w, d.data(), n3, 4096);
+    const size_t size3w = coded3w.GetBufferPos();
+    Register(k + "lz_code/tavi_x3_4MiB_w4096", {n3, size3w, k + "lz_code/zlib_6"}, 1, [&d, n3] {
+      XBuffer out(1 << 20);
+      LZX3Code(out, d.data(), n3, 4096);
+      benchmark::DoNotOptimize(out.GetBufferPos());
+    });
     Register(k + "lz_code/zlib_1", {n, z1->size(), ""}, 3,
              [&d] { benchmark::DoNotOptimize(Deflate(d, 1, Z_DEFAULT_STRATEGY).size()); });
     Register(k + "lz_code/zlib_6", {n, z6->size(), ""}, 3,
