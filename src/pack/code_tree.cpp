@@ -139,27 +139,23 @@ void BuildDecodeTable(const CodeTree& tree, DecodeTable& table) {
   table.single_symbol = tree.symbol[root];
   if (table.single) return;
   FillTable(tree, root, 0, 0, table);
-}
-
-bool ShortCodes(const CodeTree& tree) {
-  // Depth of every leaf, by a walk from the root.
-  struct Step {
-    int32_t node;
-    uint32_t depth;
-  };
-  Step stack[CodeTree::kMaxNodes];
-  uint32_t top = 0;
-  stack[top++] = {tree.root, 0};
-  while (top != 0) {
-    const Step s = stack[--top];
-    if (tree.IsLeaf(s.node)) {
-      if (s.depth > DecodeTable::kBits) return false;
-      continue;
+  // Pairs: the bits after a short code, looked up in the single-code entries, give
+  // the second code when it ends within the kBits bits.
+  constexpr uint32_t kSize = 1u << DecodeTable::kBits;
+  uint32_t single[kSize];
+  std::memcpy(single, table.entry, sizeof single);
+  for (uint32_t i = 0; i < kSize; ++i) {
+    const uint32_t e = single[i];
+    if (!(e & DecodeTable::kLeaf)) continue;
+    const uint32_t first = (e >> 16) & 0xF;
+    const uint32_t e2 = single[i >> first];
+    const uint32_t second = (e2 >> 16) & 0xF;
+    if ((e2 & DecodeTable::kLeaf) && first + second <= DecodeTable::kBits) {
+      table.entry[i] = e | ((e2 & 0xFF) << 8) | ((first + second) << 20) | DecodeTable::kPair;
+    } else {
+      table.entry[i] = e | (first << 20);
     }
-    stack[top++] = {tree.child[s.node][0], s.depth + 1};
-    stack[top++] = {tree.child[s.node][1], s.depth + 1};
   }
-  return true;
 }
 
 }  // namespace tavi::pack_internal

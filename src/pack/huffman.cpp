@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <typeinfo>
 
 #include "core/internal/endian.h"
 #include "core/internal/kernel_choice.h"
@@ -378,7 +379,6 @@ bool DecodeFast(XIO& out, XBuffer& in, uint32_t size) {
   }
   auto table = std::make_unique<DecodeTable>();
   pack_internal::BuildDecodeTable(*tree, *table);
-  const bool short_codes = pack_internal::ShortCodes(*tree);
   constexpr uint32_t kChunk = 65536;
   const uint32_t area_size = size < kChunk ? size : kChunk;
   std::unique_ptr<uint8_t[]> area(new (std::nothrow) uint8_t[area_size]);
@@ -388,7 +388,7 @@ bool DecodeFast(XIO& out, XBuffer& in, uint32_t size) {
   }
   while (size != 0) {
     const uint32_t n = size < kChunk ? size : kChunk;
-    if (!reader.Symbols(*tree, *table, short_codes, area.get(), n)) {
+    if (!reader.Symbols(*tree, *table, area.get(), n)) {
       in._SetCurrentPos(start + avail);
       out.SetSafeErrorCode(kErrEndOfData);
       return false;
@@ -424,7 +424,9 @@ bool HufmanDecode(XIO& out, XIO& in, int32_t size) {
   }
   if (size == 0) return true;
   if (pack_internal::CoderActivePath() == CoderPath::kFast) {
-    if (auto* memory = dynamic_cast<XBuffer*>(&in)) {
+    // Only a plain buffer: a derived stream may read differently from its memory.
+    if (typeid(in) == typeid(XBuffer)) {
+      auto* memory = static_cast<XBuffer*>(&in);
       return DecodeFast(out, *memory, static_cast<uint32_t>(size));
     }
   }

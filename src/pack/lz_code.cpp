@@ -68,12 +68,14 @@ class PositionLists {
   void Record(uint8_t b, uint64_t p) {
     List& list = lists_[b];
     if (list.count == kEntries) {
+      // Entries are in ascending order: the ones out of the window are a prefix.
       const uint64_t lo = p > window_ ? p - window_ : 0;
-      uint32_t kept = 0;
-      for (uint32_t i = 0; i < list.count; ++i) {
-        if (list.pos[i] >= lo) list.pos[kept++] = list.pos[i];
+      const uint64_t* first_kept = std::lower_bound(list.pos, list.pos + kEntries, lo);
+      const auto dropped = static_cast<uint32_t>(first_kept - list.pos);
+      if (dropped != 0) {
+        std::memmove(list.pos, first_kept, (kEntries - dropped) * sizeof list.pos[0]);
+        list.count = kEntries - dropped;
       }
-      list.count = kept;
     }
     if (list.count < kEntries) list.pos[list.count++] = p;
   }
@@ -108,6 +110,8 @@ std::vector<Ref> ParseX3(const uint8_t* d, uint64_t size, uint64_t window) {
       const uint64_t room = p - c - 1;  // distance >= length + 1
       const uint32_t cap = static_cast<uint32_t>(std::min<uint64_t>(room, max_len));
       if (cap <= best) return false;  // later candidates are closer still
+      // A candidate differing at byte best cannot be longer than best.
+      if (best != 0 && d[c + best] != d[p + best]) return true;
       if (cap >= kMinLength && std::memcmp(d + c + 1, d + p + 1, 4) == 0) {
         const uint32_t len = MatchLength(d + c, d + p, kMinLength, cap);
         if (len > best) {
@@ -120,9 +124,10 @@ std::vector<Ref> ParseX3(const uint8_t* d, uint64_t size, uint64_t window) {
       return true;
     };
     bool walking = true;
-    for (uint32_t i = 0; walking && i < list.count; ++i) {
+    const auto first =
+        static_cast<uint32_t>(std::lower_bound(list.pos, list.pos + list.count, lo) - list.pos);
+    for (uint32_t i = first; walking && i < list.count; ++i) {
       const uint64_t c = list.pos[i];
-      if (c < lo) continue;
       if (static_cast<int64_t>(c) > limit) {
         walking = false;
         break;
@@ -159,7 +164,7 @@ class HashChains {
  public:
   static constexpr uint32_t kHashBits = 15;
   static constexpr uint32_t kRing = 65536;  // more than the window: no live entry is reused
-  static constexpr uint32_t kMaxChain = 48;
+  static constexpr uint32_t kMaxChain = 24;
   static constexpr uint32_t kNiceLength = 96;
 
   HashChains(const uint8_t* d, uint64_t size, uint64_t window)
@@ -256,7 +261,7 @@ std::vector<Ref> ParseX4(const uint8_t* d, uint64_t size, uint64_t window) {
       chains->EnterUpTo(p + 1);
       uint32_t dist2 = 0;
       const uint32_t len2 = chains->Find(p + 1, dist2);
-      if (len2 > len + 1) {
+      if (len2 > len) {
         ++p;
         continue;
       }

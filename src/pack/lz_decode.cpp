@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <typeinfo>
 
 #include "pack/internal/bit_io.h"
 #include "pack/internal/code_tree.h"
@@ -34,7 +35,6 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
   if (!in.Bit(flag)) return Outcome::kBadInput;
   std::unique_ptr<CodeTree> tree;
   std::unique_ptr<DecodeTable> table;
-  bool short_codes = false;
   if (flag) {
     tree.reset(new (std::nothrow) CodeTree);
     table.reset(new (std::nothrow) DecodeTable);
@@ -43,7 +43,6 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
       return Outcome::kBadInput;
     }
     pack_internal::BuildDecodeTable(*tree, *table);
-    short_codes = pack_internal::ShortCodes(*tree);
   }
   if (size == 0) return Outcome::kOk;
 
@@ -75,8 +74,8 @@ Outcome DecodeBlock(Reader& in, XIO& out, uint64_t size) {
       if (flag && !in.Bit(coded)) return Outcome::kBadInput;
       if (v > remaining) return Outcome::kBadInput;
       if (!room(v)) return Outcome::kWriteFailed;
-      const bool ok = coded ? in.Symbols(*tree, *table, short_codes, hist.get() + pos, v)
-                            : in.Bytes(hist.get() + pos, v);
+      const bool ok =
+          coded ? in.Symbols(*tree, *table, hist.get() + pos, v) : in.Bytes(hist.get() + pos, v);
       if (!ok) return Outcome::kBadInput;
       pos += v;
       produced += v;
@@ -140,7 +139,9 @@ bool LZX3Decode(XIO& out, XIO& in, int64_t size) {
   }
   const auto n = static_cast<uint64_t>(size);
   if (pack_internal::CoderActivePath() == pack_internal::CoderPath::kFast) {
-    if (auto* memory = dynamic_cast<XBuffer*>(&in)) {
+    // Only a plain buffer: a derived stream may read differently from its memory.
+    if (typeid(in) == typeid(XBuffer)) {
+      auto* memory = static_cast<XBuffer*>(&in);
       // Straight from memory; the read cursor then moves past the bytes used.
       const uint32_t start = memory->GetCurrentPos();
       const uint32_t end = memory->GetBufferPos();

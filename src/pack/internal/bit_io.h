@@ -167,7 +167,7 @@ class MemBitReader {
     }
     if (bits_ < DecodeTable::kBits) Refill();
     const uint32_t e = table.entry[acc_ & kPeekMask];
-    const uint32_t len = (e >> 16) & 0xFF;
+    const uint32_t len = (e >> 16) & 0xF;
     if (len > bits_) return false;
     Consume(len);
     if (e & DecodeTable::kLeaf) {
@@ -183,26 +183,31 @@ class MemBitReader {
     out = tree.symbol[node];
     return true;
   }
-  // Symbols decodes n codes into dst. While at least 8 input bytes are left and the
-  // codes are short, it refills once per five codes.
-  bool Symbols(const CodeTree& tree, const DecodeTable& table, bool short_codes, uint8_t* dst,
-               size_t n) {
+  // Symbols decodes n codes into dst. While at least 8 input bytes are left it
+  // refills once per five look-ups of one or two codes each, leaving the loop for a
+  // code longer than the table.
+  bool Symbols(const CodeTree& tree, const DecodeTable& table, uint8_t* dst, size_t n) {
     if (table.single) {
       std::memset(dst, table.single_symbol, n);
       return true;
     }
     static_assert(5 * DecodeTable::kBits <= 56, "five codes per refill");
     size_t i = 0;
-    if (short_codes) {
-      while (n - i >= 5 && end_ - p_ >= 8) {
-        Refill();
-        for (int k = 0; k < 5; ++k) {
-          const uint32_t e = table.entry[acc_ & kPeekMask];
-          const uint32_t len = (e >> 16) & 0xFF;
-          acc_ >>= len;
-          bits_ -= len;
-          dst[i++] = static_cast<uint8_t>(e);
+    while (n - i >= 10 && end_ - p_ >= 8) {
+      Refill();
+      for (int k = 0; k < 5; ++k) {
+        const uint32_t e = table.entry[acc_ & kPeekMask];
+        if (!(e & DecodeTable::kLeaf)) {
+          if (!Symbol(tree, table, dst[i++])) return false;
+          break;
         }
+        // Both bytes are stored; without a pair the second is overwritten next.
+        const uint32_t len = (e >> 20) & 0xF;
+        acc_ >>= len;
+        bits_ -= len;
+        dst[i] = static_cast<uint8_t>(e);
+        dst[i + 1] = static_cast<uint8_t>(e >> 8);
+        i += 1 + ((e & DecodeTable::kPair) >> 24);
       }
     }
     for (; i < n; ++i) {
@@ -276,7 +281,7 @@ class PlainBitReader {
     out = tree.symbol[node];
     return true;
   }
-  bool Symbols(const CodeTree& tree, const DecodeTable& table, bool, uint8_t* dst, size_t n) {
+  bool Symbols(const CodeTree& tree, const DecodeTable& table, uint8_t* dst, size_t n) {
     for (size_t i = 0; i < n; ++i) {
       if (!Symbol(tree, table, dst[i])) return false;
     }
@@ -346,8 +351,5 @@ void WriteCodeTree(Writer& out, const CodeTree& tree) {
     }
   }
 }
-
-// ShortCodes is true when no leaf lies deeper than the decode table reaches.
-bool ShortCodes(const CodeTree& tree);
 
 }  // namespace tavi::pack_internal

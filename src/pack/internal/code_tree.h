@@ -58,13 +58,17 @@ uint64_t EstimateBits(const uint64_t counts[256], const CodeTree& tree, const Co
 void CountBytes(const uint8_t* data, uint64_t size, uint64_t counts[256]);
 
 // DecodeTable maps the next kBits bits of a stream (first bit in bit 0) to the leaf
-// they lead to and the bits its code takes; codes longer than kBits map to the node
-// reached after kBits bits, from which decoding goes on bit by bit.
+// they lead to and the bits its code takes, and, when the code after it also ends
+// within those bits, to that second leaf as well; codes longer than kBits map to the
+// node reached after kBits bits, from which decoding goes on bit by bit.
 struct DecodeTable {
   static constexpr uint32_t kBits = 11;
-  // Entry: bits 0-9 the symbol (leaf) or node index (long code), bits 16-23 the bits
-  // taken, bit 31 set for a leaf.
+  // Entry: bits 0-7 the first symbol (leaf) or bits 0-9 the node index (long code),
+  // bits 8-15 the second symbol, bits 16-19 the bits of the first code, bits 20-23 the
+  // bits of both codes (of the first alone without a second), bit 24 set when there is
+  // a second symbol, bit 31 set for a leaf.
   static constexpr uint32_t kLeaf = 0x80000000u;
+  static constexpr uint32_t kPair = 0x01000000u;
   uint32_t entry[1u << kBits];
   // One-leaf tree: every symbol is that leaf's byte and takes no bits.
   bool single = false;
