@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <typeinfo>
 
 #include "core/internal/endian.h"
 #include "crypt/internal/xor_cipher.h"
@@ -293,8 +294,9 @@ bool Unpack(const strXUnpackRecord& r) {
   }
 
   if (pack_internal::CoderActivePath() == pack_internal::CoderPath::kFast && flags != 0) {
-    if (auto* memory = dynamic_cast<XBuffer*>(stream)) {
-      return UnpackInMemory(*memory, method, flags, r.password, *r.output);
+    // Only a plain buffer: a derived stream may read differently from its memory.
+    if (typeid(*stream) == typeid(XBuffer)) {
+      return UnpackInMemory(*static_cast<XBuffer*>(stream), method, flags, r.password, *r.output);
     }
   }
   FilterChain chain(*stream, flags, r.password);

@@ -120,7 +120,7 @@ static_assert(offsetof(strXPackRecord, flags) == 12 && offsetof(strXUnpackRecord
 //               coded payload that does not decode to the count; a CRC or hash
 //               trailer that does not match
 //   others      errors of output (a failed write) are imported as they are.
-// When the stream is an XBuffer, unpacking works on its memory: the container is
+// When the stream is a plain XBuffer, unpacking works on its memory: the container is
 // deciphered there in one piece (the whole blocks left after the cursor, when a
 // cipher flag is set), decoded from memory and checked; results, errors and the
 // final cursor are those of reading through the filters, which other streams do.
