@@ -247,12 +247,14 @@ bool UnpackInMemory(XBuffer& source, uint32_t method, uint32_t flags, const char
   if (!DecodePayload(method, *plain, output, count)) {
     return Fail(source, CauseOf(*plain, output));
   }
-  const uint32_t used = plain->GetCurrentPos() - first;
-  plain->_SetCurrentPos(first);
-  FilterChain checks(*plain, flags & (kXPackCRC | kXPackHash), nullptr);
-  DiscardIO discard;
-  if (!CopyExactly(checks.Top(), discard, used)) return Fail(source, checks.Top());
-  if (XIO* failed = checks.CheckTrailers()) return Fail(source, *failed);
+  if (flags & (kXPackCRC | kXPackHash)) {
+    const uint32_t used = plain->GetCurrentPos() - first;
+    plain->_SetCurrentPos(first);
+    FilterChain checks(*plain, flags & (kXPackCRC | kXPackHash), nullptr);
+    DiscardIO discard;
+    if (!CopyExactly(checks.Top(), discard, used)) return Fail(source, checks.Top());
+    if (XIO* failed = checks.CheckTrailers()) return Fail(source, *failed);
+  }
   if (plain == &copy) {
     // The cipher filters would have consumed whole AES blocks up to the last byte used.
     const uint32_t consumed = plain->GetCurrentPos() - first;
