@@ -19,6 +19,8 @@
 #include "tavi/crypt/aes256.h"
 #include "tavi/crypt/crc32.h"
 #include "tavi/crypt/sha256.h"
+#include "tavi/file/file.h"
+#include "tavi/file/find_file.h"
 #include "tavi/io/bit_stream.h"
 #include "tavi/io/pack_number.h"
 #include "tavi/io/routed.h"

@@ -18,6 +18,7 @@ namespace tavi {
 
 class TStringResource;
 class TTitleTextBase;
+class XFile;
 
 // XBuffer owns a block of memory unless it is attached to one that belongs to
 // somebody else. All sizes and positions are byte counts.
@@ -69,10 +70,33 @@ class TAVI_API XBuffer : public XIO {
   // ReadToBuffer reads exactly bytes from source; a short read sets 0x20000004 (when no
   // error is pending), source takes this buffer's error, false.
   virtual bool ReadToBuffer(XIO& source, uint32_t bytes);
+  // LoadFile makes the whole file the data (both positions go to 0 first).
+  // LoadRestOfFile reads from the file's position to its end. When the size cannot
+  // be had or does not fit 32 bits, the file holds the error and false is returned;
+  // a short read is 0x20000004 and a read fault keeps the file's error (in both).
+  virtual bool LoadFile(XFile& file);
+  virtual bool LoadRestOfFile(XFile& file);
   // SaveBuffer writes the whole data (from byte 0, whatever the read cursor) to target.
   virtual bool SaveBuffer(XIO& target);
-  // (The file, packed-file and text-file members follow here when the file
-  // subsystem provides XFile.)
+  // ExFile opens name with XFileOpen(name, mode, owner), then loads the file when
+  // mode has kFileRead, else saves the data to it and pushes it to the disk. Any
+  // failure lands in name (and false is returned); the file is closed on every path.
+  // A failed save in backup mode (kFileBackup with kFileWrite) removes the partial
+  // file and puts the previous file back from its backup.
+  virtual bool ExFile(XString16& name, uint16_t mode, XWindow owner);
+  // ExFileMsg is ExFile that also shows a failure with XFileErrorMessage.
+  virtual bool ExFileMsg(XString16& name, uint16_t mode, XWindow owner);
+  // (The packed-file and text-file members follow here.)
+
+  // By-name forms of ExFile and ExFileMsg.
+  bool LoadFile(XString16& name, uint16_t mode) { return ExFile(name, mode, nullptr); }
+  bool SaveFile(XString16& name, uint16_t mode, XWindow owner) { return ExFile(name, mode, owner); }
+  bool LoadFileMsg(XString16& name, uint16_t mode, XWindow owner) {
+    return ExFileMsg(name, mode, owner);
+  }
+  bool SaveFileMsg(XString16& name, uint16_t mode, XWindow owner) {
+    return ExFileMsg(name, mode, owner);
+  }
 
   // Accessors, without checks.
   void* GetBuffer() const { return buffer_; }
