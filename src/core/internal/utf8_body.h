@@ -86,6 +86,9 @@ TAVI_UTF8_INLINE bool EightAsciiBytes(const uint8_t* in) {
   return (w & 0x8080808080808080ull) == 0;
 }
 
+// ASCII code units encoded one by one before block steps take over.
+constexpr size_t kShortRun = 16;
+
 TAVI_UTF8_INLINE bool EightAsciiUnits(const uint8_t* units) {
   uint64_t a, b;
   std::memcpy(&a, units, 8);
@@ -232,22 +235,23 @@ TAVI_UTF8_INLINE size_t EncodeBody(const uint8_t* units, size_t count, uint8_t* 
   while (i < count) {
     char16_t u = Unit(units, i);
     if (u < 0x80) {
-      // A run of at least eight ASCII units goes by blocks; a shorter one (between
-      // the letters of accented text) one by one.
-      if (i + K::kBlock <= count && EightAsciiUnits(units + 2 * i)) {
-        size_t a;
-        do {
-          a = K::Narrow(units + 2 * i, o);
-          i += a;
-          o += a;
-        } while (a == K::kBlock && i + K::kBlock <= count);
-        continue;
-      }
+      // ASCII one by one for up to kShortRun units: the runs between the letters of
+      // accented text end there. A run that goes on continues by block steps.
+      const size_t stop = count - i < kShortRun ? count : i + kShortRun;
       do {
         *o++ = static_cast<uint8_t>(u);
-        if (++i == count) return static_cast<size_t>(o - out);
+        if (++i == stop) break;
         u = Unit(units, i);
       } while (u < 0x80);
+      if (i == stop) {
+        while (i + K::kBlock <= count) {
+          const size_t a = K::Narrow(units + 2 * i, o);
+          i += a;
+          o += a;
+          if (a != K::kBlock) break;
+        }
+        continue;
+      }
     }
     if (u < 0x800) {
       o[0] = static_cast<uint8_t>(0xC0 | (u >> 6));
