@@ -7,6 +7,7 @@
 #include <tuple>
 #include <vector>
 
+#include "core/fake_ui.h"
 #include "file/file_helpers.h"
 #include "tavi/core/buffer.h"
 #include "tavi/file/file.h"
@@ -280,6 +281,24 @@ TEST(TextFile, StreamFormsKeepTheErrorInTheFile) {
   ASSERT_TRUE(in.SeekToBegin() == 0);
   EXPECT_EQ(loaded.LoadTextFile(in, 0, 1026), 0);
   EXPECT_EQ(Err(in), std::make_tuple(0x2000000Eu, kErrSourcePlain));
+}
+
+TEST(TextFile, FailedSaveInBackupModeKeepsThePreviousFile) {
+  test::ScopedFakeUi ui;
+  ScratchDir dir;
+  Spit(dir / u"doc.txt", "previous");
+  XString16 name = Str(dir.Name(u"doc.txt"));
+  XBuffer text;
+  text._Write("new", 3);
+  const uint16_t mode = kFileWrite | kFileBackup | kFileCreateAlways;
+  EXPECT_EQ(text.ExTextFileMsg(name, 1025, 4242, mode, test::Window(1)), 0);
+  EXPECT_EQ(test::Fake().boxes.size(), 1u);  // shown, then the error is consumed
+  EXPECT_EQ(Slurp(dir / u"doc.txt"), "previous");
+  EXPECT_FALSE(std::filesystem::exists(dir / u"doc.txt.bck"));
+  // A save that works returns the format written and keeps the previous file aside.
+  EXPECT_EQ(text.ExTextFile(name, 1030, 1252, mode, nullptr), 1030);
+  EXPECT_EQ(Slurp(dir / u"doc.txt"), "\xEF\xBB\xBFnew");
+  EXPECT_EQ(Slurp(dir / u"doc.txt.bck"), "previous");
 }
 
 }  // namespace
