@@ -67,7 +67,7 @@ bool XBuffer::ExFile(XString16& name, uint16_t mode, XWindow owner) {
       backup && !reading && platform::PathExists(name.c_str(), name.GetBufferPos() / 2) == 0;
   XFile file;
   if (!file.Open(name, mode, owner)) return false;
-  const bool ok = reading ? LoadFile(file) : SaveBuffer(file) && file._Flush() && file.Close();
+  const bool ok = reading ? LoadFile(file) : SaveBuffer(file) && file._Flush();
   if (ok && file.Close()) return true;
   name.ImportErrorCode(file);
   file.Close();

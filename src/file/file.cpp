@@ -12,6 +12,19 @@ constexpr uint32_t kNoPosition = 0xFFFFFFFFu;
 
 }  // namespace
 
+XFile::XFile(const XFile& other) : XIO(other), handle_(other.handle_) {
+  if (handle_ != nullptr) platform::RetainFile(handle_);
+}
+
+XFile& XFile::operator=(const XFile& other) {
+  if (this == &other) return *this;
+  if (other.handle_ != nullptr) platform::RetainFile(other.handle_);
+  if (handle_ != nullptr && !Close()) platform::DiscardFile(LeaveFile());
+  XIO::operator=(other);
+  handle_ = other.handle_;
+  return *this;
+}
+
 XFile::~XFile() {
   if (handle_ != nullptr && !Close()) {
     // Nobody is left to retry the close: release the handle anyway.
@@ -42,7 +55,7 @@ uint32_t XFile::_Read(void* data, uint32_t bytes) {
 }
 
 bool XFile::_UnreadChar(char16_t) {
-  return SetPos(-2, 1) != kNoPosition;
+  return MovePos(-2, 1, true) != kNoPosition;
 }
 
 bool XFile::_Flush() {
@@ -57,7 +70,7 @@ bool XFile::_ShiftForward(uint32_t bytes) {
     SetErrorCode(kErrDoesNotFit);
     return false;
   }
-  return SetPos(static_cast<int32_t>(bytes), 1) != kNoPosition;
+  return MovePos(static_cast<int32_t>(bytes), 1, true) != kNoPosition;
 }
 
 bool XFile::Open(const char16_t* name, uint16_t mode, XWindow owner) {
@@ -104,6 +117,10 @@ bool XFile::Close() {
 }
 
 uint32_t XFile::SetPos(int32_t distance, int32_t method) {
+  return MovePos(distance, method, false);
+}
+
+uint32_t XFile::MovePos(int32_t distance, int32_t method, bool keep_read_ahead) {
   if (handle_ == nullptr) {
     SetWinError(static_cast<int32_t>(platform::kErrorInvalidHandle));
     return kNoPosition;
@@ -122,7 +139,7 @@ uint32_t XFile::SetPos(int32_t distance, int32_t method) {
     return kNoPosition;
   }
   uint64_t position = 0;
-  if (!platform::SeekFile(handle_, distance, method, position)) {
+  if (!platform::SeekFile(handle_, distance, method, position, keep_read_ahead)) {
     SetWinLastError();
     return kNoPosition;
   }
@@ -186,6 +203,17 @@ bool XFile::SetEndOfFile() {
 }
 
 // --- XNamedFile ---------------------------------------------------------------------
+
+XNamedFile::XNamedFile(const XNamedFile& other) : XFile(other) {
+  name_.Set(other.name_);
+}
+
+XNamedFile& XNamedFile::operator=(const XNamedFile& other) {
+  if (this == &other) return *this;
+  XFile::operator=(other);
+  name_.Set(other.name_);
+  return *this;
+}
 
 XNamedFile::~XNamedFile() = default;
 

@@ -24,6 +24,21 @@ bool IsDotName(const char16_t* name) {
 
 }  // namespace
 
+XFindFile::XFindFile(const XFindFile& other)
+    : XError(other), handle_(other.handle_), data_(other.data_) {
+  if (handle_ != nullptr) platform::RetainSearch(handle_);
+}
+
+XFindFile& XFindFile::operator=(const XFindFile& other) {
+  if (this == &other) return *this;
+  if (other.handle_ != nullptr) platform::RetainSearch(other.handle_);
+  if (handle_ != nullptr) FindClose();
+  XError::operator=(other);
+  handle_ = other.handle_;
+  data_ = other.data_;
+  return *this;
+}
+
 XFindFile::~XFindFile() {
   if (handle_ != nullptr) FindClose();
 }

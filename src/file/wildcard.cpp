@@ -42,7 +42,7 @@ bool WildcardMatch(const char16_t* pattern, size_t pattern_length, const char16_
       ++n;
     } else if (star != pattern_length) {
       p = star + 1;
-      star_name += CharWidth(name, star_name, name_length);
+      ++star_name;
       n = star_name;
     } else {
       return false;

@@ -32,11 +32,15 @@ struct OpenRequest {
 
 // OpenFile opens name; a folder is refused with 5 (access denied).
 XFileHandle OpenFile(const char16_t* name, uint32_t units, const OpenRequest& request);
-// CloseFile pushes the gathered bytes and closes. When the bytes cannot be written
-// the handle stays open (and keeps them); when the close itself fails the handle
+// RetainFile adds a holder: each holder closes once, and the last close closes the
+// file. Holders take turns; they do not use the file at the same time.
+void RetainFile(XFileHandle file);
+// CloseFile releases a holder; the last one pushes the gathered bytes and closes. When the bytes
+// cannot be written the handle stays open (and keeps them); when the close itself fails the handle
 // stays valid and the next CloseFile releases it.
 bool CloseFile(XFileHandle file);
-// DiscardFile releases the handle whatever happens, dropping bytes not yet written.
+// DiscardFile releases a holder; the last one closes whatever happens, dropping
+// bytes not yet written.
 void DiscardFile(XFileHandle file);
 // ReadFile reads up to bytes (fewer only at the end of the file); -1 on failure.
 int64_t ReadFile(XFileHandle file, void* data, uint32_t bytes);
@@ -44,7 +48,10 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes);
 bool FlushFile(XFileHandle file);
 // SeekFile moves by distance from the beginning (0), position (1) or end (2); a
 // position below 0 fails with 131.
-bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position);
+// With keep_read_ahead, a move that stays within the bytes read ahead only moves
+// within them; otherwise the next read fetches fresh bytes from the file.
+bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position,
+              bool keep_read_ahead);
 bool FilePosition(XFileHandle file, uint64_t& position);
 bool FileSize(XFileHandle file, uint64_t& size);
 // TruncateFile ends the file at the current position.
@@ -78,6 +85,8 @@ bool KnownFolder(int32_t folder, bool create, std::u16string& path);
 // when nothing matches. FindNext fills the next match; 18 at the end.
 XFindHandle FindFirst(const char16_t* pattern, uint32_t units, XFindData& data);
 bool FindNext(XFindHandle search, XFindData& data);
+// RetainSearch adds a holder; FindClose releases one, and the last closes.
+void RetainSearch(XFindHandle search);
 bool FindClose(XFindHandle search);
 
 }  // namespace tavi::platform

@@ -58,19 +58,22 @@ inline constexpr int32_t kStrOverwriteAfter = 500000302;
 // operation that looks at the file (size, position, times, end of file, truncation,
 // close, the name functions of this header, another handle opened by name) sees every
 // byte written. A write error of gathered bytes surfaces at the operation that pushes
-// them out (a later write, _Flush, a position or size query, Close); savers check
+// them out (a later write, _Flush, a move, a size query, Close); savers check
 // _Flush or Close.
+//
+// Bytes read ahead are those of the moment they were read: a write to the same
+// bytes through another file object is seen after SetPos (or a reopen).
 //
 // Positions and sizes are 32-bit: files of 4 GiB or more are not supported by the
 // position and size operations.
 //
-// Copying copies the handle as it stands (the file is not opened twice): give one
-// side's handle away with LeaveFile before both are destroyed.
+// Copying shares the open file (it is not opened twice): each copy closes its share,
+// and the file closes with the last one. Copies take turns; one thread at a time.
 class TAVI_API XFile : public XIO {
  public:
   XFile() = default;
-  XFile(const XFile& other) = default;
-  XFile& operator=(const XFile& other) = default;
+  XFile(const XFile& other);
+  XFile& operator=(const XFile& other);
   // Closes an open file. When the close fails the error is recorded and the handle
   // is released anyway, dropping bytes that could not be written.
   ~XFile() override;
@@ -130,6 +133,10 @@ class TAVI_API XFile : public XIO {
   bool SetEndOfFile();
 
  protected:
+  // MovePos is SetPos; with keep_read_ahead, a short move within the bytes read
+  // ahead (an unread, a skip) does not fetch them again.
+  uint32_t MovePos(int32_t distance, int32_t method, bool keep_read_ahead);
+
   XFileHandle handle_ = nullptr;
 };
 
@@ -138,8 +145,9 @@ class TAVI_API XFile : public XIO {
 class TAVI_API XNamedFile : public XFile {
  public:
   XNamedFile() = default;
-  XNamedFile(const XNamedFile& other) = default;
-  XNamedFile& operator=(const XNamedFile& other) = default;
+  // Copies share the open file and get their own copy of the name.
+  XNamedFile(const XNamedFile& other);
+  XNamedFile& operator=(const XNamedFile& other);
   ~XNamedFile() override;
 
   using XFile::Open;

@@ -42,12 +42,13 @@ struct XFindData {
 // folder is missing, 2 when nothing matches, 18 at the end of a search (reset to 0
 // by FindNext).
 //
-// Copying copies the open search as it stands; close it on one side only.
+// Copying shares the open search: the copies go on from the same place, each closes
+// its share, and the search closes with the last one.
 class TAVI_API XFindFile : public XError {
  public:
   XFindFile() = default;
-  XFindFile(const XFindFile& other) = default;
-  XFindFile& operator=(const XFindFile& other) = default;
+  XFindFile(const XFindFile& other);
+  XFindFile& operator=(const XFindFile& other);
   // Closes a search still open.
   ~XFindFile() override;
 

@@ -38,6 +38,8 @@ struct XFileHandleRecord {
   Mode mode = Mode::kIdle;
   // Held by the thread working on the file; FlushAllFiles only tries it.
   std::atomic<bool> busy{false};
+  // Holders of the handle (copies of a file object); the last close closes.
+  std::atomic<uint32_t> holders{1};
   uint8_t* block = nullptr;
   uint32_t cursor = 0;
   uint32_t filled = 0;
@@ -48,6 +50,7 @@ struct XFileHandleRecord {
 
 struct XFindHandleRecord {
   DIR* dir = nullptr;
+  std::atomic<uint32_t> holders{1};
   std::u16string mask;
 };
 
@@ -308,16 +311,28 @@ XFileHandle OpenFile(const char16_t* name, uint32_t units, const OpenRequest& re
   return r;
 }
 
+void RetainFile(XFileHandle file) {
+  file->holders.fetch_add(1, std::memory_order_relaxed);
+}
+
 bool CloseFile(XFileHandle file) {
   {
     Using hold(file);
     if (!PushGathered(*file)) return false;
+  }
+  // Another holder goes on using the file: leave it open.
+  if (file->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return true;
+  {
+    Using hold(file);
     if (file->fd >= 0) {
       const int fd = file->fd;
       // The descriptor is gone whatever close reports; a retry only releases the
-      // record.
+      // record, which stays valid for it.
       file->fd = -1;
-      if (::close(fd) != 0 && errno != EINTR) return Fail(ErrorFromErrno(errno));
+      if (::close(fd) != 0 && errno != EINTR) {
+        file->holders.store(1, std::memory_order_relaxed);
+        return Fail(ErrorFromErrno(errno));
+      }
     }
   }
   Release(file);
@@ -325,6 +340,7 @@ bool CloseFile(XFileHandle file) {
 }
 
 void DiscardFile(XFileHandle file) {
+  if (file->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
   {
     Using hold(file);
     if (file->fd >= 0) ::close(file->fd);
@@ -337,6 +353,7 @@ int64_t ReadFile(XFileHandle file, void* data, uint32_t bytes) {
   Using hold(file);
   Record& r = *file;
   if (!r.can_read) return Fail(kErrorAccessDenied), -1;
+  if (bytes == 0) return 0;
   auto* out = static_cast<uint8_t*>(data);
   if (r.mode == Mode::kReading && r.filled - r.cursor >= bytes) {
     std::memcpy(out, r.block + r.cursor, bytes);
@@ -371,6 +388,7 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes) {
   Using hold(file);
   Record& r = *file;
   if (!r.can_write) return Fail(kErrorAccessDenied);
+  if (bytes == 0) return true;
   const auto* in = static_cast<const uint8_t*>(data);
   if (r.mode == Mode::kWriting && kBlockSize - r.cursor >= bytes) {
     std::memcpy(r.block + r.cursor, in, bytes);
@@ -382,7 +400,6 @@ bool WriteFile(XFileHandle file, const void* data, uint32_t bytes) {
     size_t written;
     return WriteAll(r, in, bytes, written);
   }
-  if (bytes == 0) return true;
   std::memcpy(r.block, in, bytes);
   r.cursor = bytes;
   r.mode = Mode::kWriting;
@@ -394,7 +411,8 @@ bool FlushFile(XFileHandle file) {
   return PushGathered(*file);
 }
 
-bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position) {
+bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& position,
+              bool keep_read_ahead) {
   Using hold(file);
   Record& r = *file;
   int64_t base;
@@ -419,7 +437,8 @@ bool SeekFile(XFileHandle file, int64_t distance, int32_t method, uint64_t& posi
   if (target < 0) return Fail(kErrorNegativeSeek);
   const auto wanted = static_cast<uint64_t>(target);
   // A move within the bytes read ahead only moves the cursor.
-  if (r.mode == Mode::kReading && wanted <= r.offset && r.offset - wanted <= r.filled) {
+  if (keep_read_ahead && r.mode == Mode::kReading && wanted <= r.offset &&
+      r.offset - wanted <= r.filled) {
     r.cursor = r.filled - static_cast<uint32_t>(r.offset - wanted);
     position = wanted;
     return true;
@@ -619,6 +638,8 @@ bool CopyFile(const char16_t* from, uint32_t from_units, const char16_t* to, uin
 bool MoveFile(const char16_t* from, uint32_t from_units, const char16_t* to, uint32_t to_units) {
   std::string source, target;
   if (!NativeName(from, from_units, source) || !NativeName(to, to_units, target)) return false;
+  // Bytes gathered for the file reach it before it goes elsewhere.
+  FlushAllFiles();
   if (::renameat2(AT_FDCWD, source.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
     return true;
   }
@@ -642,7 +663,6 @@ bool MoveFile(const char16_t* from, uint32_t from_units, const char16_t* to, uin
   if (error == EXDEV) {
     struct stat st;
     if (::lstat(source.c_str(), &st) == 0 && S_ISDIR(st.st_mode)) return Fail(kErrorNotSameDevice);
-    FlushAllFiles();
     if (!CopyNative(source, target)) return false;
     if (::unlink(source.c_str()) == 0) return true;
     error = errno;
@@ -838,7 +858,12 @@ bool FindNext(XFindHandle search, XFindData& data) {
   return NextMatch(*search, data);
 }
 
+void RetainSearch(XFindHandle search) {
+  search->holders.fetch_add(1, std::memory_order_relaxed);
+}
+
 bool FindClose(XFindHandle search) {
+  if (search->holders.fetch_sub(1, std::memory_order_acq_rel) > 1) return true;
   const bool ok = ::closedir(search->dir) == 0;
   const int error = errno;
   delete search;
