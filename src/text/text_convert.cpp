@@ -43,6 +43,13 @@ namespace {
 using internal::LoadLE;
 using internal::StoreLE;
 
+// The two text-format failures, on loading and saving alike: 0x2000000E for a pair of
+// formats that cannot be converted (or two code pages without a table pair), and
+// 0x2000000F for a code page without a table.
+constexpr uint32_t kErrFormatPair = kErrLoadEncoding;
+constexpr uint32_t kErrNoTable = kErrSaveEncoding;
+static_assert(kErrFormatPair == 0x2000000E && kErrNoTable == 0x2000000F);
+
 uint16_t Normal(uint16_t format) {
   return format == kTextUtf8CodePage ? kTextUtf8 : format;
 }
@@ -50,6 +57,12 @@ uint16_t Normal(uint16_t format) {
 bool Fail(XError& report, uint32_t code) {
   report.SetErrorCode(code);
   return false;
+}
+
+// The failed load's result.
+uint16_t Refuse(XError& report, uint32_t code) {
+  report.SetErrorCode(code);
+  return 0;
 }
 
 bool FailWith(XError& report, const XError& cause) {
@@ -169,7 +182,7 @@ uint16_t ConvertLoadedText(XBuffer& buffer, uint16_t source_format, uint16_t buf
   uint16_t source = Normal(found);
   const uint16_t want = Normal(buffer_format);
   // UTF-8 is produced only from UTF-8.
-  if (source != want && want == kTextUtf8) return Fail(report, kErrLoadEncoding), 0;
+  if (source != want && want == kTextUtf8) return Refuse(report, kErrFormatPair);
 
   if (mark != 0) {
     size -= mark;
@@ -199,12 +212,12 @@ uint16_t ConvertLoadedText(XBuffer& buffer, uint16_t source_format, uint16_t buf
 
   // 32-bit units reach any other format through UTF-16.
   if (source == kTextUtf32) {
-    if (size % 4 != 0 || !Utf32ToUtf16InPlace(p, size, size)) return Fail(report, kErrEndOfData), 0;
+    if (size % 4 != 0 || !Utf32ToUtf16InPlace(p, size, size)) return Refuse(report, kErrEndOfData);
     source = kTextUtf16;
     if (want == kTextUtf16) return Finish(buffer, size, report) ? found : 0;
   }
   // The other Unicode buffer formats hold only text of their own format.
-  if (XIsUnicodeTextFormat(want) && want != kTextUtf16) return Fail(report, kErrLoadEncoding), 0;
+  if (XIsUnicodeTextFormat(want) && want != kTextUtf16) return Refuse(report, kErrFormatPair);
 
   if (want == kTextUtf16) {
     XBuffer moved;
@@ -216,37 +229,37 @@ uint16_t ConvertLoadedText(XBuffer& buffer, uint16_t source_format, uint16_t buf
       const internal::Utf8Status status = internal::DecodeUtf8(
           moved._GetBufferAt(0), size, reinterpret_cast<char16_t*>(buffer._GetBufferAt(0)), size,
           &consumed, &produced, &needed);
-      if (status != internal::Utf8Status::kOk) return Fail(report, kErrEndOfData), 0;
+      if (status != internal::Utf8Status::kOk) return Refuse(report, kErrEndOfData);
       size = static_cast<uint32_t>(2 * produced);
     } else {
       const CodePageTable* table = FindCodePage(source);
-      if (table == nullptr) return Fail(report, kErrSaveEncoding), 0;
+      if (table == nullptr) return Refuse(report, kErrNoTable);
       if (!MoveAside(buffer, moved, 2ull * size + 2, report)) return 0;
       const uint8_t* in = moved._GetBufferAt(0);
       auto* out = reinterpret_cast<char16_t*>(buffer._GetBufferAt(0));
       for (uint32_t i = 0; i < size; ++i) out[i] = table->ToWide()[in[i]];
       size *= 2;
     }
-    if (size == 0) return Fail(report, kErrEndOfData), 0;
+    if (size == 0) return Refuse(report, kErrEndOfData);
     return Finish(buffer, size, report) ? found : 0;
   }
 
   // An 8-bit target.
   if (!XIsUnicodeTextFormat(source)) {
     uint8_t map[256];
-    if (!XChar8ConvertLUTs(want, source, map)) return Fail(report, kErrLoadEncoding), 0;
+    if (!XChar8ConvertLUTs(want, source, map)) return Refuse(report, kErrFormatPair);
     for (uint32_t i = 0; i < size; ++i) p[i] = map[p[i]];
   } else {
     const CodePageTable* table = FindCodePage(want);
-    if (table == nullptr) return Fail(report, kErrSaveEncoding), 0;
+    if (table == nullptr) return Refuse(report, kErrNoTable);
     if (source == kTextUtf8) {
-      if (!Utf8To8BitInPlace(p, size, *table, size)) return Fail(report, kErrEndOfData), 0;
+      if (!Utf8To8BitInPlace(p, size, *table, size)) return Refuse(report, kErrEndOfData);
     } else {
-      if (size % 2 != 0) return Fail(report, kErrEndOfData), 0;
+      if (size % 2 != 0) return Refuse(report, kErrEndOfData);
       size = Utf16To8Bit(p, size / 2, p, *table);
     }
   }
-  if (size == 0) return Fail(report, kErrEndOfData), 0;
+  if (size == 0) return Refuse(report, kErrEndOfData);
   return Finish(buffer, size, report) ? found : 0;
 }
 
@@ -256,6 +269,22 @@ constexpr uint32_t kPieceUnits = 1024;
 
 bool WriteAll(XIO& target, const void* data, uint32_t bytes) {
   return bytes == 0 || target._Write(data, bytes);
+}
+
+// Writes the byte-order mark of the file format, if it has one that is written.
+bool WriteMark(XIO& target, uint16_t file_format) {
+  static constexpr uint8_t kMark[] = {0xFF, 0xFE, 0x00, 0x00};
+  static constexpr uint8_t kUtf8Mark[] = {0xEF, 0xBB, 0xBF};
+  switch (file_format) {
+    case kTextUtf16:
+      return WriteAll(target, kMark, 2);
+    case kTextUtf8:
+      return WriteAll(target, kUtf8Mark, 3);
+    case kTextUtf32:
+      return WriteAll(target, kMark, 4);
+    default:
+      return true;
+  }
 }
 
 // Writes UTF-16 text, given code unit by code unit through next(i), as the file format
@@ -323,19 +352,12 @@ bool WriteText(XIO& target, const uint8_t* text, uint32_t size, uint16_t file_fo
   const bool source_unicode = XIsUnicodeTextFormat(source);
   if (file == source) {
     // The bytes as they are, after the format's mark.
-    static constexpr uint8_t kUtf16Mark[] = {0xFF, 0xFE};
-    static constexpr uint8_t kUtf8Mark[] = {0xEF, 0xBB, 0xBF};
-    static constexpr uint8_t kUtf32Mark[] = {0xFF, 0xFE, 0x00, 0x00};
-    bool ok = true;
-    if (file == kTextUtf16) ok = WriteAll(target, kUtf16Mark, 2);
-    if (file == kTextUtf8) ok = WriteAll(target, kUtf8Mark, 3);
-    if (file == kTextUtf32) ok = WriteAll(target, kUtf32Mark, 4);
-    return ok && WriteAll(target, text, size);
+    return WriteMark(target, file) && WriteAll(target, text, size);
   }
   // Unicode text other than UTF-16 is written only as itself; the big-endian formats
   // are never produced from another format.
   if ((source_unicode && source != kTextUtf16) || file == kTextUtf16BE || file == kTextUtf32BE)
-    return Fail(target, kErrLoadEncoding);
+    return Fail(target, kErrFormatPair);
 
   // Look the tables up before anything is written.
   const CodePageTable* from = nullptr;
@@ -343,11 +365,11 @@ bool WriteText(XIO& target, const uint8_t* text, uint32_t size, uint16_t file_fo
   if (!source_unicode) {
     from = FindCodePage(source);
     if (from == nullptr)
-      return Fail(target, XIsUnicodeTextFormat(file) ? kErrSaveEncoding : kErrLoadEncoding);
+      return Fail(target, XIsUnicodeTextFormat(file) ? kErrNoTable : kErrFormatPair);
   }
   if (!XIsUnicodeTextFormat(file)) {
     to = FindCodePage(file);
-    if (to == nullptr) return Fail(target, source_unicode ? kErrSaveEncoding : kErrLoadEncoding);
+    if (to == nullptr) return Fail(target, source_unicode ? kErrNoTable : kErrFormatPair);
   }
 
   if (from != nullptr && to != nullptr) {
@@ -363,14 +385,7 @@ bool WriteText(XIO& target, const uint8_t* text, uint32_t size, uint16_t file_fo
     return true;
   }
 
-  static constexpr uint8_t kUtf16Mark[] = {0xFF, 0xFE};
-  static constexpr uint8_t kUtf8Mark[] = {0xEF, 0xBB, 0xBF};
-  static constexpr uint8_t kUtf32Mark[] = {0xFF, 0xFE, 0x00, 0x00};
-  bool ok = true;
-  if (file == kTextUtf16) ok = WriteAll(target, kUtf16Mark, 2);
-  if (file == kTextUtf8) ok = WriteAll(target, kUtf8Mark, 3);
-  if (file == kTextUtf32) ok = WriteAll(target, kUtf32Mark, 4);
-  if (!ok) return false;
+  if (!WriteMark(target, file)) return false;
   const uint8_t* to_8bit = to != nullptr ? to->FromWide() : nullptr;
   if (from != nullptr) {
     const char16_t* to_wide = from->ToWide();
