@@ -8,26 +8,29 @@
 //   Loading reads the whole file, recognises a byte-order mark (testing 00 00 FE FF,
 //   FF FE 00 00, FE FF, FF FE, EF BB BF in that order, so FF FE 00 00 is 32-bit),
 //   removes it, and converts the text to the buffer's format, followed by a 2-byte
-//   zero that is not counted. Big-endian text becomes little-endian. Text that stays
-//   in one 8-bit code page only has its CR LF line ends reduced to LF
-//   (XRemoveDOSNewLines, tavi/core/string.h). UTF-8 is
-//   decoded strictly: malformed UTF-8, a UTF-16 text of odd length or a 32-bit text
-//   with a unit above U+10FFFF fails with 0x20000004. The result is the format found
-//   (the mark's, else the source format used; a big-endian format reports its
-//   little-endian twin once turned), or 0.
+//   zero that is not counted. Big-endian text becomes little-endian unless the
+//   buffer asks for it as it is. Text that stays in one 8-bit code page only has its
+//   CR LF line ends reduced to LF (XRemoveDOSNewLines, tavi/core/string.h). Into
+//   UTF-16 come UTF-8, 32-bit units and 8-bit text; into an 8-bit code page come
+//   all of them. A conversion is strict: malformed UTF-8, UTF-16 text of odd length
+//   and 32-bit text of a partial unit, a surrogate or a unit above U+10FFFF fail with
+//   0x20000004. The result is the format found (the mark's, else the source format
+//   used; a big-endian format reports its little-endian twin once turned), or 0.
 //
 //   Saving writes the mark of 1025 (FF FE), 1030 (EF BB BF) or 33795 (FF FE 00 00)
-//   and the text converted to the file's format; 8-bit files get no mark. Characters
-//   an 8-bit target lacks become "?"; an unpaired surrogate written as UTF-8 becomes
-//   U+FFFD.
+//   and the text converted to the file's format; 8-bit files get no mark. UTF-16 and
+//   8-bit text can be saved in any format but the big-endian ones; other Unicode
+//   text only in its own format. Characters an 8-bit target lacks become "?"; an
+//   unpaired surrogate written as UTF-8 or 32-bit units becomes U+FFFD. A UTF-16
+//   text that begins with U+0000 saved as 1025 reads back as 32-bit units: its file
+//   begins FF FE 00 00.
 //
 // Failure codes (in the file's error state, source 0): 0x2000000E for a format pair
-// that cannot be converted (UTF-8 is produced only from UTF-8; other Unicode formats
-// only from themselves, except UTF-16 and 32-bit units, which convert both ways; the
-// big-endian formats are read but not written) or two code pages without a table
-// pair; 0x2000000F for a code page without a table; 0x20000004 for a conversion that
-// produced nothing or met malformed text; and the buffer's or the file's own error
-// for memory and input/output failures.
+// outside those rules (UTF-8 is produced only from UTF-8) or two code pages without
+// a table pair; 0x2000000F for a code page without a table; 0x20000004 for a
+// conversion that produced nothing or met malformed text; and the buffer's or the
+// file's own error for memory and input/output failures. A refused save writes
+// nothing.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
