@@ -37,6 +37,8 @@
 #include "tavi/pack/huffman.h"
 #include "tavi/pack/lz.h"
 #include "tavi/resource/string_resource.h"
+#include "tavi/text/code_page.h"
+#include "tavi/text/text_file.h"
 #include "tavi/thread/count_safe.h"
 #include "tavi/thread/parallel.h"
 #include "tavi/thread/progress.h"
