@@ -1,8 +1,5 @@
 //===- buffer_file.cpp - Loading and saving buffers as whole files ---------===//
-#include <string>
-
-#include "platform/errors.h"
-#include "platform/file.h"
+#include "file/internal/named_file_session.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/string.h"
 #include "tavi/file/file.h"
@@ -12,20 +9,6 @@ namespace tavi {
 namespace {
 
 constexpr uint32_t kNoSize = 0xFFFFFFFFu;
-
-// After a failed save in backup mode: the partial file goes and the backup takes
-// its place again. Errors here are not reported; the save's own error is the cause.
-void RestoreBackup(const XString16& name) {
-  const uint32_t units = name.GetBufferPos() / 2;
-  std::u16string backup(name.c_str(), units);
-  backup += u".bck";
-  if (platform::PathExists(backup.data(), static_cast<uint32_t>(backup.size())) != 0) return;
-  const uint32_t kept = platform::LastError();
-  platform::DeleteFile(name.c_str(), units);
-  platform::RenameReplacing(backup.data(), static_cast<uint32_t>(backup.size()), name.c_str(),
-                            units);
-  platform::SetLastError(kept);
-}
 
 // Reads bytes from file like ReadToBuffer, except that a read fault of the file stays
 // the reported cause (in both objects) instead of becoming "end of data".
@@ -60,23 +43,10 @@ bool XBuffer::LoadRestOfFile(XFile& file) {
 }
 
 bool XBuffer::ExFile(XString16& name, uint16_t mode, XWindow owner) {
-  const bool reading = (mode & kFileRead) != 0;
-  const bool backup = (mode & (kFileBackup | kFileWrite)) == (kFileBackup | kFileWrite);
-  // Whether the open below will move an existing file to its backup.
-  const bool had_file =
-      backup && !reading && platform::PathExists(name.c_str(), name.GetBufferPos() / 2) == 0;
-  XFile file;
-  if (!file.Open(name, mode, owner)) return false;
-  const bool ok = reading ? LoadFile(file) : SaveBuffer(file) && file._Flush();
-  if (ok && file.Close()) return true;
-  name.ImportErrorCode(file);
-  file.Close();
-  if (file.IsOpened()) {
-    // The handle cannot be closed cleanly; let it go without its unwritten bytes.
-    platform::DiscardFile(file.LeaveFile());
-  }
-  if (had_file) RestoreBackup(name);
-  return false;
+  internal::NamedFileSession session(name, mode);
+  if (!session.Open(owner)) return false;
+  XFile& file = session.File();
+  return session.Finish(session.Reading() ? LoadFile(file) : SaveBuffer(file) && file._Flush());
 }
 
 bool XBuffer::ExFileMsg(XString16& name, uint16_t mode, XWindow owner) {
