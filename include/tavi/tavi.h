@@ -28,6 +28,8 @@
 #include "tavi/io/routed.h"
 #include "tavi/io/sized_record.h"
 #include "tavi/io/stream.h"
+#include "tavi/money/money_options.h"
+#include "tavi/money/money_text.h"
 #include "tavi/resource/string_resource.h"
 #include "tavi/thread/count_safe.h"
 #include "tavi/thread/parallel.h"
