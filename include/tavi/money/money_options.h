@@ -4,7 +4,7 @@
 // formatter and parser how amounts look (currency, symbol and its place,
 // decimals, digit groups, negative form), and the currency and region tables.
 //
-// Design. An amount is a "real": a signed 64-bit count of the smallest unit shown
+// Design. An amount is a "real": a signed 64-bit integer holding the amount
 // times 10^d, d (0 to 10) passed with every call, exactly as the number
 // formatters take it. Nothing is ever a double, so amounts round-trip exactly.
 // The options record is plain data like strEnvNumberOptions: either portable
@@ -12,10 +12,12 @@
 // U+00A0, the currency's own decimals) or filled from a locale through ICU,
 // which gives the same text as ICU's own currency formatting for the common
 // layouts (Indian two-digit groups, Swiss "CHF-1'234.50", yen without
-// decimals). The formatters (money_text.h) write into caller memory or append
-// to an XIO; the parser returns where it stopped. Locale look-ups are made when
-// the record is filled, never while formatting, so formatting allocates nothing
-// and touches no locale data.
+// decimals). Digits are always "0" to "9", and the direction marks that
+// right-to-left locales put around signs are left out. The formatters
+// (money_text.h) write into caller memory or append to an XIO; the parser
+// returns where it stopped. Locale look-ups are made when the record is filled,
+// never while formatting, so formatting allocates nothing and touches no locale
+// data.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -70,7 +72,7 @@ struct TAVI_API strEnvMoneyOptions {
   // Groups are written only when the integer part has at least PrimaryGroup +
   // MinGrouping digits: with 2, "1234" stays whole and "12 345" is grouped.
   uint8_t MinGrouping = 1;
-  uint8_t SymbolPosition = kMoneySymbolAfter;  // an eMoneySymbolPosition
+  uint8_t SymbolPosition = kMoneySymbolAfter;  // an eMoneySymbolPosition; others act as after
   uint8_t Negative = kMoneyMinusFront;         // an eMoneyNegative
 
   constexpr strEnvMoneyOptions() = default;

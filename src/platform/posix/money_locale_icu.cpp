@@ -188,7 +188,6 @@ const strCurrencyInfo* CurrencyRows(uint32_t& count) {
       UErrorCode s = U_ZERO_ERROR;
       const int32_t digits = ucurr_getDefaultFractionDigits(code, &s);
       row.Decimals = static_cast<uint8_t>(U_SUCCESS(s) && digits >= 0 && digits <= 10 ? digits : 2);
-      s = U_ZERO_ERROR;
       const int32_t number = ucurr_getNumericCode(code);
       row.Number = static_cast<uint16_t>(number > 0 && number < 1000 ? number : 0);
       list.push_back(row);
