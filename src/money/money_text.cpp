@@ -10,6 +10,7 @@
 
 #include <cstddef>
 
+#include "format/internal/digits.h"
 #include "tavi/format/number_options.h"
 #include "tavi/io/stream.h"
 
@@ -30,25 +31,29 @@ uint32_t Length(const char16_t* text, uint32_t capacity) {
 // The pieces of an amount in the order they are written.
 enum class Piece : uint8_t { kMinus, kSymbol, kSpace, kNumber, kOpen, kClose };
 
-// Writes the integer part backwards with the options' digit groups.
+// Writes the integer part backwards with the options' digit groups: the digits
+// come from the fast decimal writer and are then copied in front of `p` with the
+// separators between them.
 char16_t* WholeDigits(uint64_t whole, char16_t* p, const strEnvMoneyOptions& o) {
-  uint32_t digits = 1;
-  for (uint64_t v = whole; v >= 10; v /= 10) ++digits;
+  char16_t digits[20];
+  const char16_t* first = internal::FastDecimal(whole, digits + 20);
+  const uint32_t count = static_cast<uint32_t>(digits + 20 - first);
   const uint32_t primary = o.PrimaryGroup;
-  const bool grouped = primary != 0 && o.GroupSeparator != 0 &&
-                       digits >= primary + (o.MinGrouping ? o.MinGrouping : 1u);
-  const uint32_t secondary = o.SecondaryGroup != 0 ? o.SecondaryGroup : primary;
-  uint32_t left = grouped ? primary : UINT32_MAX;
-  for (uint32_t i = 0; i < digits; ++i) {
-    if (left == 0) {
-      *--p = o.GroupSeparator;
-      left = secondary;
-    }
-    *--p = static_cast<char16_t>(u'0' + whole % 10);
-    whole /= 10;
-    --left;
+  const uint32_t minimum = o.MinGrouping != 0 ? o.MinGrouping : 1u;
+  if (primary == 0 || o.GroupSeparator == 0 || count < primary + minimum) {
+    p -= count;
+    for (uint32_t i = 0; i < count; ++i) p[i] = first[i];
+    return p;
   }
-  return p;
+  const uint32_t secondary = o.SecondaryGroup != 0 ? o.SecondaryGroup : primary;
+  const char16_t* q = digits + 20;
+  for (uint32_t left = count, group = primary;; group = secondary) {
+    const uint32_t n = left < group ? left : group;
+    for (uint32_t i = 0; i < n; ++i) *--p = *--q;
+    left -= n;
+    if (left == 0) return p;
+    *--p = o.GroupSeparator;
+  }
 }
 
 }  // namespace
