@@ -33,6 +33,8 @@
 #include "tavi/io/routed.h"
 #include "tavi/io/sized_record.h"
 #include "tavi/io/stream.h"
+#include "tavi/money/money_options.h"
+#include "tavi/money/money_text.h"
 #include "tavi/pack/container.h"
 #include "tavi/pack/huffman.h"
 #include "tavi/pack/lz.h"
