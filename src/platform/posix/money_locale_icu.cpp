@@ -18,25 +18,12 @@
 
 #include "platform/money_locale.h"
 #include "platform/number_locale.h"
+#include "platform/posix/icu_locale.h"
 #include "tavi/money/money_options.h"
 
 namespace tavi::platform {
 
 namespace {
-
-// The ICU name for a locale identifier; false when ICU does not know it.
-bool IcuLocaleName(uint32_t locale, char* name, int32_t capacity) {
-  if (locale == 0 || locale == kUserDefaultLocale || locale == kSystemDefaultLocale) {
-    const char* def = uloc_getDefault();
-    int32_t i = 0;
-    for (; def[i] != 0 && i + 1 < capacity; ++i) name[i] = def[i];
-    name[i] = 0;
-    return true;
-  }
-  UErrorCode status = U_ZERO_ERROR;
-  const int32_t n = uloc_getLocaleForLCID(locale, name, capacity, &status);
-  return U_SUCCESS(status) && status != U_STRING_NOT_TERMINATED_WARNING && n > 0;
-}
 
 struct FormatCloser {
   void operator()(UNumberFormat* f) const { unum_close(f); }

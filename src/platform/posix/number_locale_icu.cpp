@@ -8,24 +8,11 @@
 #include <unicode/unum.h>
 
 #include "platform/number_locale.h"
+#include "platform/posix/icu_locale.h"
 
 namespace tavi::platform {
 
 namespace {
-
-// The ICU name for a locale identifier; false when ICU does not know it.
-bool IcuLocaleName(uint32_t locale, char* name, int32_t capacity) {
-  if (locale == 0 || locale == kUserDefaultLocale || locale == kSystemDefaultLocale) {
-    const char* def = uloc_getDefault();
-    int32_t i = 0;
-    for (; def[i] != 0 && i + 1 < capacity; ++i) name[i] = def[i];
-    name[i] = 0;
-    return true;
-  }
-  UErrorCode status = U_ZERO_ERROR;
-  int32_t n = uloc_getLocaleForLCID(locale, name, capacity, &status);
-  return U_SUCCESS(status) && status != U_STRING_NOT_TERMINATED_WARNING && n > 0;
-}
 
 // Reads one symbol into text; its length in characters, or -1.
 int32_t IcuSymbol(const char* name, UNumberFormatSymbol which, char16_t* text, int32_t capacity) {
