@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 
+#include "platform/number_locale.h"
 #include "tavi/colour/colour.h"
 #include "tavi/io/stream.h"
 
@@ -75,6 +76,13 @@ bool XColourToStringEx(XIO& out, uint32_t colour, char16_t separator) {
   char16_t text[kColourTextMax];
   char16_t* end = text + kColourTextMax;
   return out.WriteStringZone(_ColourToStringEx(colour, end, separator), end);
+}
+
+char16_t XColourSeparator(uint32_t locale) {
+  char16_t symbol[4];
+  const int32_t written =
+      platform::LocaleNumberSymbol(locale, platform::NumberSymbol::kList, symbol, 4);
+  return written == 2 ? symbol[0] : u',';
 }
 
 const char16_t* _StringToColour(uint32_t& colour, const char16_t* text, char16_t separator) {

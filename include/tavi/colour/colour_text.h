@@ -33,6 +33,12 @@ TAVI_API char16_t* _ColourToStringEx(uint32_t colour, char16_t* end, char16_t se
 TAVI_API bool XColourToString(XIO& out, uint32_t colour);
 TAVI_API bool XColourToStringEx(XIO& out, uint32_t colour, char16_t separator);
 
+// XColourSeparator returns the separator of the decimal triple for a locale
+// identifier (0x0400 = the user's default locale): the locale's list separator,
+// which is ";" where the decimal separator is "," and "," elsewhere. An unknown
+// locale, or a separator longer than one character, gives the portable ",".
+TAVI_API char16_t XColourSeparator(uint32_t locale);
+
 // _StringToColour reads a colour value from terminated text, never past its
 // terminator, and returns where reading stopped (just after the colour), or null
 // when the text holds no colour; `colour` is changed only on success. It sets no
