@@ -164,7 +164,7 @@ TAVI_API strLab XColourToLab(uint32_t colour);
 TAVI_API uint32_t XLabToColour(const strLab& lab);
 
 // XColoursToLab converts count colour values to L*a*b* (the same results as
-// XColourToLab, one by one); `in` and `out` must not overlap.
+// XColourToLab, one by one); `in` and `out` hold count items and do not overlap.
 TAVI_API void XColoursToLab(const uint32_t* in, strLab* out, uint32_t count);
 
 // ---- Grey, lighter, darker, mixed ----
@@ -208,7 +208,8 @@ TAVI_API uint32_t XMixColoursEx(uint32_t first, uint32_t second, double weight, 
 // XDeltaE2000 returns the CIEDE2000 colour difference of two L*a*b* colours with
 // the parametric factors kL = kC = kH = 1. XDeltaE2000Ex takes the factors (a
 // factor of 0 or less acts as 1). The difference is symmetric, 0 for equal colours,
-// and about 1 for a just-noticeable difference. Non-finite inputs give NaN.
+// and about 1 for a just-noticeable difference. Non-finite inputs give NaN, and so
+// may values far outside the L*a*b* range (beyond about 1e43); nothing traps.
 TAVI_API double XDeltaE2000(const strLab& first, const strLab& second);
 TAVI_API double XDeltaE2000Ex(const strLab& first, const strLab& second, double kL, double kC,
                               double kH);
