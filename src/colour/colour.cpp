@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "colour/internal/lab_kernel.h"
 #include "colour/internal/srgb.h"
 
 namespace tavi {
@@ -216,7 +217,7 @@ uint32_t XLabToColour(const strLab& lab) {
 }
 
 void XColoursToLab(const uint32_t* in, strLab* out, uint32_t count) {
-  for (uint32_t i = 0; i < count; ++i) out[i] = XColourToLab(in[i]);
+  ColoursToLab(in, out, count);
 }
 
 }  // namespace tavi

@@ -163,8 +163,10 @@ TAVI_API uint32_t XxyYToColour(const strxyY& xyY);
 TAVI_API strLab XColourToLab(uint32_t colour);
 TAVI_API uint32_t XLabToColour(const strLab& lab);
 
-// XColoursToLab converts count colour values to L*a*b* (the same results as
-// XColourToLab, one by one); `in` and `out` hold count items and do not overlap.
+// XColoursToLab converts count colour values to L*a*b*; `in` and `out` hold count
+// items and do not overlap. On processors with AVX2 it converts four colours at a
+// time with its own cube root: results then agree with XColourToLab to within 1e-12
+// (not bit for bit), and every colour still comes back through XLabToColour.
 TAVI_API void XColoursToLab(const uint32_t* in, strLab* out, uint32_t count);
 
 // ---- Grey, lighter, darker, mixed ----
