@@ -3,7 +3,8 @@
 // Converts a block of colour values as an image filter would. Every benchmark is
 // named group/implementation; the "textbook" peer computes each colour with the
 // transfer curve's power function per channel, as a straightforward conversion
-// does, and each tavi implementation is printed as a ratio to it.
+// does, and each tavi implementation is printed as a ratio to it. The block
+// conversion to L*a*b* runs on each of its paths.
 //
 //===----------------------------------------------------------------------===//
 #include <benchmark/benchmark.h>
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "colour/internal/lab_kernel.h"
 #include "tavi/colour/colour.h"
 
 namespace {
@@ -94,10 +96,16 @@ int main(int argc, char** argv) {
   static std::vector<uint32_t> back(kCount);
   const auto& colours = Colours();
 
-  Register("ColourToLab/tavi", [&] {
-    XColoursToLab(colours.data(), labs.data(), kCount);
-    benchmark::DoNotOptimize(labs.data());
-  });
+  using colour_internal::LabPath;
+  for (LabPath path : {LabPath::kPortable, LabPath::kAvx2}) {
+    if (!colour_internal::LabPathAvailable(path)) continue;
+    Register(path == LabPath::kPortable ? "ColourToLab/tavi_portable" : "ColourToLab/tavi_avx2",
+             [&, path] {
+               colour_internal::SetLabPath(path);
+               XColoursToLab(colours.data(), labs.data(), kCount);
+               benchmark::DoNotOptimize(labs.data());
+             });
+  }
   Register("ColourToLab/textbook", [&] {
     for (uint32_t i = 0; i < kCount; ++i) labs[i] = XRGBToLab(XColourToRGB(colours[i]));
     benchmark::DoNotOptimize(labs.data());
