@@ -3,9 +3,11 @@
 // Reads the input as doubles (any bit pattern: NaN, infinities, huge and tiny
 // values) and feeds them to every conversion towards a colour value and to the
 // difference: nothing may trap, colour values keep their top byte 0, hues stay in
-// 0..360 and the difference is symmetric.
+// 0..360 and the difference is symmetric. Any bytes left are colour values for
+// the block conversion to L*a*b*.
 //
 //===----------------------------------------------------------------------===//
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -53,5 +55,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const double d2 = XDeltaE2000({d, e, f}, {a, b, c});
   FUZZ_ASSERT((std::isnan(d1) && std::isnan(d2)) || d1 == d2 || std::fabs(d1 - d2) <= 1e-9 * d1);
   FUZZ_ASSERT(!(d1 < 0));
+  // The rest of the input, as colour values, through the block conversion: it
+  // agrees with the single one and every colour comes back.
+  uint32_t block[9];
+  const uint32_t n = static_cast<uint32_t>(std::min<size_t>(input.size() / 4, 9));
+  for (uint32_t i = 0; i < n; ++i) block[i] = input.Take<uint32_t>() & 0xFFFFFFu;
+  strLab labs[9];
+  XColoursToLab(block, labs, n);
+  for (uint32_t i = 0; i < n; ++i) {
+    const strLab one = XColourToLab(block[i]);
+    FUZZ_ASSERT(std::fabs(labs[i].L - one.L) <= 1e-12 && std::fabs(labs[i].a - one.a) <= 1e-12 &&
+                std::fabs(labs[i].b - one.b) <= 1e-12);
+    FUZZ_ASSERT(XLabToColour(labs[i]) == block[i]);
+  }
   return 0;
 }
