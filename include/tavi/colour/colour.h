@@ -19,11 +19,11 @@
 //   2.4 with offset above). The RGB <-> XYZ matrix is derived in double precision
 //   from the chromaticities of the primaries and of the white point (x 0.3127,
 //   y 0.3290) rather than taken from the standard's four-decimal table, so that the
-//   two directions are exact inverses and white maps to Y = 1 exactly.
+//   two directions are inverses to rounding and white maps to Y = 1.
 // * XYZ is scaled so that the white of the display has Y = 1 (not 100).
 // * L*a*b* is relative to the same D65 white (Xn = 0.3127 / 0.3290, Yn = 1,
 //   Zn = (1 - 0.3127 - 0.3290) / 0.3290), with no chromatic adaptation: sRGB white
-//   is exactly L* 100, a* 0, b* 0. Values differ from L*a*b* relative to D50 (the
+//   is L* 100, a* 0, b* 0 to rounding. Values differ from L*a*b* relative to D50 (the
 //   ICC profile connection space) for every colour but the greys.
 // * Every colour value survives RGB -> space -> RGB unchanged for every space here.
 // * Hues are in degrees, 0 <= h < 360; a hue outside that range is wrapped on
