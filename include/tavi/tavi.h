@@ -8,6 +8,8 @@
 #include "tavi/export.h"
 #include "tavi/version.h"
 
+#include "tavi/colour/colour.h"
+#include "tavi/colour/colour_text.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/error.h"
 #include "tavi/core/local_buffer.h"
