@@ -230,7 +230,8 @@ bool strDatePattern::Compile(const char16_t* pattern, size_t length) {
           ++i;
           break;
         }
-        if (!(ok = b.Literal(pattern[i++]))) break;
+        if (!(ok = pattern[i] != 0 && b.Literal(pattern[i]))) break;
+        ++i;
       }
     } else if (IsAsciiLetter(c)) {
       size_t n = 1;
@@ -239,7 +240,7 @@ bool strDatePattern::Compile(const char16_t* pattern, size_t length) {
       ok = n <= 8 && FieldOf(c, n, op) && b.Field(op);
       i += n;
     } else {
-      ok = b.Literal(c);
+      ok = c != 0 && b.Literal(c);
       ++i;
     }
   }

@@ -230,7 +230,7 @@ bool MatchLiteral(const char16_t*& p, const char16_t* lit, size_t length) {
       while (i < length && IsBlank(lit[i])) ++i;
       while (IsBlank(*s)) ++s;
     } else {
-      if (*s != lit[i]) return false;
+      if (*s == 0 || *s != lit[i]) return false;
       ++s;
       ++i;
     }

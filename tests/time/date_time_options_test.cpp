@@ -65,6 +65,8 @@ TEST(DateTimeOptions, CompilesPatterns) {
     EXPECT_EQ(p.OpCount, 0);  // left empty
   }
   strDatePattern p;
+  EXPECT_FALSE(p.Compile(u"y-\0-d", 5));  // no terminator inside a text
+  EXPECT_FALSE(p.Compile(u"'\0'", 3));
   EXPECT_TRUE(p.Compile(u"y-M-dXYZ", 5));  // the length bounds the text
   EXPECT_EQ(Format(p, value), u"987-3-4");
 }

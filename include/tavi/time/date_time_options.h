@@ -96,8 +96,9 @@ struct TAVI_API strDatePattern {
   // short); H, k, h, K hour; m minute; s second; a, b, B the AM/PM marker; G era.
   // Other ASCII letters are refused; text between single quotes is literal and ''
   // is a quote; everything else is literal. False, leaving the pattern empty,
-  // for a refused letter, an unterminated quote, a field repeated more than 8
-  // times, or a pattern that exceeds the instruction, literal or output bounds.
+  // for a refused letter, a U+0000 character, an unterminated quote, a field
+  // repeated more than 8 times, or a pattern that exceeds the instruction,
+  // literal or output bounds.
   // `length` counts characters; the text need not be terminated.
   bool Compile(const char16_t* pattern, size_t length);
 };
