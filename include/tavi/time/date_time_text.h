@@ -61,7 +61,8 @@ TAVI_API char16_t* _DateTimeToStringEx(char16_t* out, uint32_t value, uint32_t f
 //
 // The same texts appended to `out`. False when a write failed (the cause is in
 // out's error state) or when the date or time is invalid: then nothing is
-// written and 0x20000014 (out of range) is set in out's error state.
+// written and 0x20000014 (out of range) is set in out's error state when no
+// error is pending there.
 TAVI_API bool XDateToString(XIO& out, strDate date,
                             const strEnvDateTimeOptions& options = gPortableDateTimeOptions);
 TAVI_API bool XDateToStringEx(XIO& out, strDate date, uint32_t form,
