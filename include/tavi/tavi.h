@@ -48,4 +48,6 @@
 #include "tavi/thread/progress.h"
 #include "tavi/time/calendar.h"
 #include "tavi/time/date_time.h"
+#include "tavi/time/date_time_options.h"
+#include "tavi/time/date_time_text.h"
 #include "tavi/time/system_time.h"
