@@ -15,6 +15,7 @@
 
 #include "platform/date_locale.h"
 #include "platform/number_locale.h"
+#include "platform/posix/icu_locale.h"
 
 namespace tavi::platform {
 
@@ -22,17 +23,8 @@ namespace {
 
 // The ICU name for a locale identifier, with the Gregorian calendar asked for.
 bool IcuGregorianLocale(uint32_t locale, char* name, int32_t capacity) {
+  if (!IcuLocaleName(locale, name, capacity)) return false;
   UErrorCode status = U_ZERO_ERROR;
-  if (locale == 0 || locale == kUserDefaultLocale || locale == kSystemDefaultLocale) {
-    const char* def = uloc_getDefault();
-    int32_t i = 0;
-    for (; def[i] != 0 && i + 1 < capacity; ++i) name[i] = def[i];
-    name[i] = 0;
-  } else {
-    const int32_t n = uloc_getLocaleForLCID(locale, name, capacity, &status);
-    if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING || n <= 0) return false;
-  }
-  status = U_ZERO_ERROR;
   uloc_setKeywordValue("calendar", "gregorian", name, capacity, &status);
   return U_SUCCESS(status);
 }
