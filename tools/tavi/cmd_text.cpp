@@ -126,32 +126,42 @@ class StdoutSink : public XIO {
   }
 };
 
-// Load reads the text of path ("-": standard input) into text as UTF-16 and returns
-// the format found, or 0 with the library's message in problem.
-uint16_t Load(const std::string& path, uint16_t source_format, XBuffer& text,
-              std::string& problem) {
+// ReadAll gathers standard input in raw; false with the library's message in problem.
+bool ReadAll(std::FILE* in, XBuffer& raw, std::string& problem) {
+  char chunk[1 << 14];
+  for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, in)) > 0;) {
+    if (!raw._Write(chunk, static_cast<uint32_t>(n))) {
+      problem = LibraryMessage(raw);
+      return false;
+    }
+  }
+  if (!std::ferror(in)) return true;
+  XError error;
+  error.SetErrno();
+  problem = LibraryMessage(error);
+  return false;
+}
+
+// Load reads the text of path into text in buffer_format and returns the format
+// found, or 0 with the library's message in problem. For "-" the bytes come from
+// stdin_bytes, which the caller gathered with ReadAll; they are copied, not used up.
+uint16_t Load(const std::string& path, const XBuffer& stdin_bytes, uint16_t source_format,
+              uint16_t buffer_format, XBuffer& text, std::string& problem) {
   if (path != "-") {
     XString16 name = Utf16NameOf(path);
-    const uint16_t found = text.LoadTextFile(name, source_format, kTextUtf16,
+    const uint16_t found = text.LoadTextFile(name, source_format, buffer_format,
                                              kFileRead | kFileOpenExisting | kFileShareRead);
     if (found == 0) problem = LibraryMessage(name);
     return found;
   }
-  char chunk[1 << 14];
-  for (size_t n; (n = std::fread(chunk, 1, sizeof chunk, stdin)) > 0;) {
-    if (!text._Write(chunk, static_cast<uint32_t>(n))) {
-      problem = LibraryMessage(text);
-      return 0;
-    }
-  }
-  if (std::ferror(stdin)) {
-    XError error;
-    error.SetErrno();
-    problem = LibraryMessage(error);
+  text.SetBufferPos(0);
+  if (!text._Write(stdin_bytes._GetBufferAt(0), stdin_bytes.GetBufferPos())) {
+    problem = LibraryMessage(text);
     return 0;
   }
   XError report;
-  const uint16_t found = text_internal::ConvertLoadedText(text, source_format, kTextUtf16, report);
+  const uint16_t found =
+      text_internal::ConvertLoadedText(text, source_format, buffer_format, report);
   if (found == 0) problem = LibraryMessage(report);
   return found;
 }
@@ -188,12 +198,20 @@ int Fail(const std::string& subject, const std::string& problem) {
 int Detect(std::span<char* const> args) {
   if (args.size() != 1) return Usage("detect takes one file");
   const std::string path = args[0];
-  XBuffer text;
+  XBuffer raw, text;
   std::string problem;
+  if (path == "-" && !ReadAll(stdin, raw, problem)) return Fail(path, problem);
   // With no source format given, a file without a mark is read in the default 8-bit
-  // code page, so an 8-bit result means that no mark was found.
-  const uint16_t found = Load(path, 0, text, problem);
+  // code page, so an 8-bit result means that no mark was found. Loading into UTF-16
+  // also checks that the text is well formed.
+  uint16_t found = Load(path, raw, 0, kTextUtf16, text, problem);
   if (found == 0) return Fail(path, problem);
+  // Big-endian text loaded into UTF-16 reports its little-endian twin; it keeps its
+  // own format only when the buffer asks for that format, which other text refuses.
+  if (found == kTextUtf16 || found == kTextUtf32) {
+    const uint16_t twin = found == kTextUtf16 ? kTextUtf16BE : kTextUtf32BE;
+    if (Load(path, raw, 0, twin, text, problem) == twin) found = twin;
+  }
   if (XIsUnicodeTextFormat(found))
     std::printf("%s\n", FormatLabel(found).c_str());
   else
@@ -236,9 +254,10 @@ int Convert(std::span<char* const> args) {
   if (!have_input) return Usage("convert needs an input file");
   if (!have_target) return Usage("convert needs --to FORMAT");
 
-  XBuffer text;
+  XBuffer raw, text;
   std::string problem;
-  if (Load(input, source, text, problem) == 0) return Fail(input, problem);
+  if (input == "-" && !ReadAll(stdin, raw, problem)) return Fail(input, problem);
+  if (Load(input, raw, source, kTextUtf16, text, problem) == 0) return Fail(input, problem);
   if (!Save(output, target, text, problem)) return Fail(output, problem);
   return 0;
 }
