@@ -11,3 +11,6 @@ set -x
 "$tavi" errors
 "$tavi" errors $(cat samples/error-codes.txt)
 "$tavi" hash samples/*
+"$tavi" text detect samples/greeting-utf8.txt
+"$tavi" text convert samples/greeting-utf8.txt --to utf-16le | "$tavi" text convert - --to cp1252 -o build/greeting-cp1252.txt
+"$tavi" text convert build/greeting-cp1252.txt --from cp1252 --to utf-8 | cmp - samples/greeting-utf8.txt
