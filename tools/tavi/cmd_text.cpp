@@ -33,10 +33,10 @@ constexpr const char* kTextHelp =
     "a file without a byte-order mark (default: the user's 8-bit DOS code page).\n"
     "\"-\" is standard input or output.\n"
     "\n"
-    "Formats: utf-8, utf-16le, utf-32le, an 8-bit code page as cp1252, windows-1252\n"
-    "or 1252, or a format number of the library. utf-16be and utf-32be are read\n"
-    "only. Written Unicode files begin with their byte-order mark; 8-bit files\n"
-    "have none, and characters their code page lacks become '?'.\n";
+    "Formats: utf-8, utf-16le, utf-32le, an 8-bit code page as cp1252, windows-1252,\n"
+    "1252, iso-8859-15 or latin1, or a format number of the library. utf-16be and\n"
+    "utf-32be are read only. Written Unicode files begin with their byte-order\n"
+    "mark; 8-bit files have none, and characters their code page lacks become '?'.\n";
 
 struct FormatName {
   std::string_view name;
