@@ -11,28 +11,11 @@
 
 #include "command.h"
 #include "tavi/tavi.h"
+#include "unicode_text.h"
 
 namespace tavi::cli {
 
 namespace {
-
-std::string ToUtf8(const XString16& text) {
-  std::string out;
-  for (uint32_t i = 0; i < text.GetBufferPos() / 2; ++i) {
-    char32_t c = text[i];
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if (c < 0x800) {
-      out += static_cast<char>(0xC0 | (c >> 6));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    } else {
-      out += static_cast<char>(0xE0 | (c >> 12));
-      out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (c & 0x3F));
-    }
-  }
-  return out;
-}
 
 void Print(uint32_t code, int32_t source) {
   XError error;
@@ -42,7 +25,7 @@ void Print(uint32_t code, int32_t source) {
   error.AddErrorMessage(message);
   static constexpr const char* kSources[] = {"", "platform ", "errno ", "user "};
   const char* name = source >= 0 && source < 4 ? kSources[source] : "";
-  std::printf("%s0x%08X  %s\n", name, code, ToUtf8(message).c_str());
+  std::printf("%s0x%08X  %s\n", name, code, Utf8Of(message).c_str());
 }
 
 bool Parse(std::string_view arg, uint32_t& code, int32_t& source) {
@@ -66,6 +49,15 @@ bool Parse(std::string_view arg, uint32_t& code, int32_t& source) {
 }  // namespace
 
 int RunErrors(std::span<char* const> args) {
+  if (args.size() == 1 &&
+      (std::string_view(args[0]) == "--help" || std::string_view(args[0]) == "-h")) {
+    std::printf(
+        "usage: tavi errors [CODE...]\n\nPrints the library's message for each code "
+        "(\"0x20000004\",\n"
+        "\"2\", \"platform:5\", \"errno:2\", \"user:7\"), or for all of the library's own "
+        "codes.\n");
+    return 0;
+  }
   if (args.empty()) {
     for (uint32_t code = 0x20000001; code <= 0x2000001A; ++code) Print(code, kErrSourcePlain);
     return 0;

@@ -22,5 +22,6 @@ int RunErrors(std::span<char* const> args);
 int RunHash(std::span<char* const> args);
 int RunHelp(std::span<char* const> args);
 int RunVersion(std::span<char* const> args);
+int RunText(std::span<char* const> args);
 
 }  // namespace tavi::cli

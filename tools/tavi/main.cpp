@@ -18,9 +18,12 @@ namespace {
 constexpr Command kCommands[] = {
     {"errors", "list the library's error codes with their messages", "tavi errors [CODE...]",
      RunErrors},
-    {"hash", "print the CRC-32 and the 256-bit hash of files", "tavi hash FILE...", RunHash},
+    {"hash", "print or check the CRC-32 or the 256- or 224-bit hash of files",
+     "tavi hash [--crc32|--hash256|--hash224] [--check LIST | FILE...]", RunHash},
     {"help", "list the subcommands", "tavi help", RunHelp},
     {"version", "print the library version", "tavi version", RunVersion},
+    {"text", "detect the format of a text file or convert it to another",
+     "tavi text detect FILE | tavi text convert INPUT --to FORMAT [-o OUTPUT]", RunText},
 };
 
 }  // namespace
