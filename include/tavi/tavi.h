@@ -34,6 +34,8 @@
 #include "tavi/io/sized_record.h"
 #include "tavi/io/stream.h"
 #include "tavi/resource/string_resource.h"
+#include "tavi/text/code_page.h"
+#include "tavi/text/text_file.h"
 #include "tavi/thread/count_safe.h"
 #include "tavi/thread/parallel.h"
 #include "tavi/thread/progress.h"

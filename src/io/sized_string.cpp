@@ -3,8 +3,8 @@
 
 #include "core/internal/endian.h"
 #include "core/internal/text_util.h"
+#include "core/internal/utf8.h"
 #include "io/internal/sized_io.h"
-#include "io/internal/utf8.h"
 #include "tavi/core/buffer.h"
 #include "tavi/io/pack_number.h"
 #include "tavi/io/sized_record.h"

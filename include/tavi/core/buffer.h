@@ -86,7 +86,28 @@ class TAVI_API XBuffer : public XIO {
   virtual bool ExFile(XString16& name, uint16_t mode, XWindow owner);
   // ExFileMsg is ExFile that also shows a failure with XFileErrorMessage.
   virtual bool ExFileMsg(XString16& name, uint16_t mode, XWindow owner);
-  // (The packed-file and text-file members follow here.)
+  // (The packed-file members follow here.)
+
+  // Text files: formats, byte-order marks and failure codes are described in
+  // tavi/text/text_file.h; every failure is in the file's error state.
+  // SaveTextFile writes the data, text in buffer_format, to file in file_format and
+  // flushes the file. LoadTextFile reads the whole file, converts it to
+  // buffer_format (0: the user's ANSI code page) from the format its byte-order mark
+  // shows, else from source_format (0: the user's OEM code page), and returns the
+  // format found or 0; the data ends with an uncounted 2-byte zero. The data after a
+  // failed load is not defined.
+  virtual bool SaveTextFile(XFile& file, uint16_t file_format, uint16_t buffer_format);
+  virtual uint16_t LoadTextFile(XFile& file, uint16_t source_format, uint16_t buffer_format);
+  // ExTextFile opens name with XFileOpen(name, mode, owner); with kFileRead in mode it
+  // loads (format is the source format) and returns the format found, else it saves
+  // (format is the file format) and returns the format written (format, or the
+  // user's OEM code page for 0). The file is closed on every path; on failure name
+  // holds the error, a failed save in backup mode puts the previous file back, and 0
+  // is returned. ExTextFileMsg also shows a failure with XFileErrorMessage.
+  virtual uint16_t ExTextFile(XString16& name, uint16_t format, uint16_t buffer_format,
+                              uint16_t mode, XWindow owner);
+  virtual uint16_t ExTextFileMsg(XString16& name, uint16_t format, uint16_t buffer_format,
+                                 uint16_t mode, XWindow owner);
 
   // By-name forms of ExFile and ExFileMsg.
   bool LoadFile(XString16& name, uint16_t mode) { return ExFile(name, mode, nullptr); }
@@ -96,6 +117,24 @@ class TAVI_API XBuffer : public XIO {
   }
   bool SaveFileMsg(XString16& name, uint16_t mode, XWindow owner) {
     return ExFileMsg(name, mode, owner);
+  }
+  // By-name forms of ExTextFile and ExTextFileMsg; mode should carry kFileRead for
+  // the loads and kFileWrite for the saves.
+  uint16_t LoadTextFile(XString16& name, uint16_t source_format, uint16_t buffer_format,
+                        uint16_t mode) {
+    return ExTextFile(name, source_format, buffer_format, mode, nullptr);
+  }
+  bool SaveTextFile(XString16& name, uint16_t file_format, uint16_t buffer_format, uint16_t mode,
+                    XWindow owner) {
+    return ExTextFile(name, file_format, buffer_format, mode, owner) != 0;
+  }
+  uint16_t LoadTextFileMsg(XString16& name, uint16_t source_format, uint16_t buffer_format,
+                           uint16_t mode, XWindow owner) {
+    return ExTextFileMsg(name, source_format, buffer_format, mode, owner);
+  }
+  bool SaveTextFileMsg(XString16& name, uint16_t file_format, uint16_t buffer_format, uint16_t mode,
+                       XWindow owner) {
+    return ExTextFileMsg(name, file_format, buffer_format, mode, owner) != 0;
   }
 
   // Accessors, without checks.
