@@ -1,0 +1,1 @@
+tavi_add_fuzzer(huffman_round_trip ${CMAKE_CURRENT_LIST_DIR}/huffman_round_trip_fuzz.cpp)
