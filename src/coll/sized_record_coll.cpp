@@ -61,13 +61,34 @@ bool XSizedRecordColl::Read(XIO& in) {
 }
 
 bool XSizedRecordColl::WriteRaw(XIO& out) {
-  uint8_t field[4];
-  internal::StoreLE32(field, Count);
-  if (!out._Write(field, 4)) return false;
+  // Small records are gathered into one block per write: a stream call per record
+  // costs more than the copy.
+  constexpr uint32_t kGather = 64 * 1024;
+  uint8_t gathered[kGather];
+  internal::StoreLE32(gathered, Count);
+  uint32_t used = 4;
   for (uint32_t i = 0; i < Count; ++i) {
-    if (!XWriteSizedRecord(out, XSizedRecord::At(Items[i]))) return false;
+    const auto* record = XSizedRecord::At(Items[i]);
+    const uint32_t size = record != nullptr ? record->GetSize() : 4;
+    if (record != nullptr && size < 4) {
+      out.SetErrorCode(kErrOutOfRange);
+      return false;
+    }
+    if (used + uint64_t{size} > kGather) {
+      if (!out._Write(gathered, used)) return false;
+      used = 0;
+    }
+    if (size > kGather) {
+      if (!out._Write(record, size)) return false;
+    } else if (record != nullptr) {
+      std::memcpy(gathered + used, record, size);
+      used += size;
+    } else {
+      internal::StoreLE32(gathered + used, 0);  // a missing record
+      used += 4;
+    }
   }
-  return true;
+  return out._Write(gathered, used);
 }
 
 bool XSizedRecordColl::Write(XIO& out, bool utf8) {
