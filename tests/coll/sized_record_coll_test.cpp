@@ -117,6 +117,19 @@ TEST(SizedRecordColl, BothFormsRoundTrip) {
     EXPECT_EQ(back.Contents(), all);
     EXPECT_TRUE(out.EoB());
   }
+
+  // Item data: appended or replacing; a missing record or an index past the end
+  // empties the buffer and fails.
+  XBuffer b = Over("zz");
+  EXPECT_TRUE(c.AddItemData(b, 0));
+  EXPECT_EQ(Data(b), "zz" + kSample[0]);
+  EXPECT_TRUE(c.GetItemData(b, 3));
+  EXPECT_EQ(Data(b), kSample[3]);
+  for (uint32_t index : {2u, 5u}) {
+    EXPECT_FALSE(c.GetItemData(b, index));
+    EXPECT_EQ(b.GetBufferPos(), 0u);
+    EXPECT_EQ(b.GetErrorCode(), kErrDoesNotFit);
+  }
 }
 
 // The header in the caller field picks the form: none or flags 0 raw, any flag the
@@ -195,23 +208,6 @@ TEST(SizedRecordColl, HostileBodiesChangeNothing) {
       EXPECT_EQ(c.Contents(), std::vector<Bytes>{Record("old")});
       EXPECT_LT(c.GetItemsDim(), 4096u);
     }
-  }
-}
-
-TEST(SizedRecordColl, ItemData) {
-  Records c;
-  Fill(c, {Record("one"), "-"});
-  XBuffer b;
-  b._Write("zz", 2);
-  EXPECT_TRUE(c.AddItemData(b, 0));
-  EXPECT_EQ(Data(b), "zz" + Record("one"));
-  EXPECT_TRUE(c.GetItemData(b, 0));
-  EXPECT_EQ(Data(b), Record("one"));
-  for (uint32_t index : {1u, 2u}) {  // a missing record, then one past the end
-    XBuffer e = Over("left");
-    EXPECT_FALSE(c.GetItemData(e, index));
-    EXPECT_EQ(e.GetBufferPos(), 0u);
-    EXPECT_EQ(e.GetErrorCode(), kErrDoesNotFit);
   }
 }
 
