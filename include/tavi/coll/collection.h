@@ -68,13 +68,12 @@ class TAVI_API XCollection : public XObject {
   // WriteItem, stopping with false at the first failure.
   bool Write(XIO& io) override;
   // Read appends stored items to those held. A short count records 0x20000004 (when
-  // the stream has no error yet); a count of 0 is true. A non-empty count is refused
-  // with 0x80028016 whenever the bitwise complement of Count exceeds it, so the base
-  // class reads only empty collections (subclasses that read items override Read).
-  // A count that passes that test would bring the total to 2^32-1 items or beyond: it
-  // is refused with 0x20000001 before any slot is allocated. Items come from ReadItem;
-  // one that cannot be inserted is freed and 0x20000015 (detail 1003) recorded. Items
-  // read before a failure stay.
+  // the stream has no error yet); a count of 0 is true and changes nothing. A
+  // non-empty count is refused with 0x80028016 whenever the bitwise complement of
+  // Count exceeds it; one that passes that test would bring the total to 2^32-1 items
+  // or beyond and is refused with 0x20000001. So the base class reads only empty
+  // collections and never allocates for a stored count; subclasses that read items
+  // override Read (with ReadItem making each item).
   bool Read(XIO& io) override;
 
   // --- Access (not virtual) -------------------------------------------------------

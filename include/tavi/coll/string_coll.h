@@ -78,10 +78,11 @@ class TAVI_API TStringColl : public XCollection {
   uint32_t PrefixIndex(const char16_t* text) const;
   uint32_t PrefixIndex(const TTitleText& title) const;
 
-  // SortItems / StrSort sort with CompareTitleText; the other form with cmp.
+  // SortItems() and StrSort sort with CompareTitleText; the inherited forms take any
+  // comparison.
+  using XCollection::SortItems;
   void SortItems() { XCollection::SortItems(CompareTitleText); }
   void StrSort() { XCollection::SortItems(CompareTitleText); }
-  void SortItems(XCompareFunc cmp) { XCollection::SortItems(cmp); }
 
   // EnumStrings calls fn(item, context) from index 0 upward and stops with false at the
   // first false; true otherwise (also when empty).
