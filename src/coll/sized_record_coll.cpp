@@ -122,6 +122,50 @@ void XSizedRecordColl::DropFrom(uint32_t first) {
   if (Count > first) Free(first, Count - 1);
 }
 
+bool XSizedRecordColl::ReadRawRecord(XIO& in, XBuffer& gather, void*& block) {
+  block = nullptr;
+  uint8_t field[4];
+  if (in._Read(field, 4) != 4) {
+    in.SetSafeErrorCode(kErrEndOfData);
+    return false;
+  }
+  const uint32_t size = internal::LoadLE32(field);
+  if (size == 0) return true;  // a missing record
+  if (size < 4) {
+    in.SetSafeErrorCode(kErrEndOfData);
+    return false;
+  }
+  if (size > kDirectRecord) {
+    // Gather the body as it arrives before asking for the block.
+    gather.ResetBufferPos();
+    for (uint32_t want = size - 4; want > 0;) {
+      const uint32_t piece = std::min(want, kDirectRecord);
+      if (gather._ReadToBuffer(in, piece) != piece) {
+        in.SetSafeErrorCode(kErrNoMemory);  // the body cannot be read whole
+        return false;
+      }
+      want -= piece;
+    }
+  }
+  if (!AllocItem(&block, size)) {
+    block = nullptr;
+    in.SetSafeErrorCode(kErrNoMemory);
+    return false;
+  }
+  auto* bytes = static_cast<uint8_t*>(block);
+  std::memcpy(bytes, field, 4);
+  if (size > kDirectRecord) {
+    std::memcpy(bytes + 4, gather.GetBuffer(), size - 4);
+    gather.FreeBuffer();
+  } else if (size > 4 && in._Read(bytes + 4, size - 4) != size - 4) {
+    in.SetSafeErrorCode(kErrNoMemory);  // the body cannot be read whole
+    FreeItem(block);
+    block = nullptr;
+    return false;
+  }
+  return true;
+}
+
 bool XSizedRecordColl::ReadRaw(XIO& in) {
   uint32_t stored;
   if (!ReadCount(in, stored)) return false;
@@ -133,58 +177,12 @@ bool XSizedRecordColl::ReadRaw(XIO& in) {
   const uint32_t first = Count;
   XBuffer gather(64 * 1024);
   for (uint32_t left = stored; left > 0; --left) {
-    bool ok = RoomForNext(in, left);
-    uint8_t field[4];
-    uint32_t size = 0;
-    if (ok && in._Read(field, 4) != 4) {
-      in.SetSafeErrorCode(kErrEndOfData);
-      ok = false;
-    }
-    if (ok) {
-      size = internal::LoadLE32(field);
-      if (size > 0 && size < 4) {
-        in.SetSafeErrorCode(kErrEndOfData);
-        ok = false;
-      }
-    }
     void* block = nullptr;
-    if (ok && size > kDirectRecord) {
-      // Gather the body as it arrives before asking for the block.
-      gather.ResetBufferPos();
-      for (uint32_t want = size - 4; ok && want > 0;) {
-        const uint32_t piece = std::min(want, kDirectRecord);
-        if (gather._ReadToBuffer(in, piece) != piece) {
-          in.SetSafeErrorCode(kErrNoMemory);
-          ok = false;
-        }
-        want -= piece;
-      }
-      if (ok && !AllocItem(&block, size)) {
-        in.SetSafeErrorCode(kErrNoMemory);
-        ok = false;
-      }
-      if (ok) {
-        std::memcpy(static_cast<uint8_t*>(block) + 4, gather.GetBuffer(), size - 4);
-        gather.FreeBuffer();
-      }
-    } else if (ok && size != 0) {
-      if (!AllocItem(&block, size)) {
-        in.SetSafeErrorCode(kErrNoMemory);
-        ok = false;
-      } else if (size > 4 && in._Read(static_cast<uint8_t*>(block) + 4, size - 4) != size - 4) {
-        in.SetSafeErrorCode(kErrNoMemory);  // the body cannot be read whole
-        ok = false;
-      }
-    }
-    if (ok) {
-      if (block != nullptr) std::memcpy(block, field, 4);
-      if (!AtInsert(Count, block)) {
-        FreeItem(block);
-        in.SetSafeErrorCode(kErrNoMemory);
-        ok = false;
-      }
-    } else if (block != nullptr) {
+    bool ok = RoomForNext(in, left) && ReadRawRecord(in, gather, block);
+    if (ok && !AtInsert(Count, block)) {
       FreeItem(block);
+      in.SetSafeErrorCode(kErrNoMemory);
+      ok = false;
     }
     if (!ok) {
       DropFrom(first);

@@ -84,6 +84,9 @@ class TAVI_API XSizedRecordColl : public XCollection {
   // Makes room for one more slot, growing with the records read so far towards
   // Count + remaining; false (0x20000001 in in) when memory runs out.
   bool RoomForNext(XIO& in, uint32_t remaining);
+  // Reads one record of the raw form into a new block (null for a missing record);
+  // records above 1 MiB are gathered in gather first.
+  bool ReadRawRecord(XIO& in, XBuffer& gather, void*& block);
   // Frees and removes the items from first on (a failed read's additions).
   void DropFrom(uint32_t first);
 };
