@@ -9,6 +9,8 @@
 #include "tavi/version.h"
 
 #include "tavi/coll/collection.h"
+#include "tavi/coll/file_coll.h"
+#include "tavi/coll/sized_record_coll.h"
 #include "tavi/coll/string_coll.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/error.h"

@@ -43,11 +43,12 @@ inline constexpr uint32_t kObjectCipher = 0x2001;
 // given back its previous value before the call returns.
 //
 // Errors end up in the stream or file passed, and for the by-name forms in the name
-// string. A load that fails leaves the object as its Read leaves it after a failure;
-// the library's own classes leave it exactly as it was before the call. Hostile
-// input: the header is read into a fixed record; a packed body is unpacked by XPack
-// (which refuses damaged, truncated or wrongly deciphered data) before Read sees any
-// of it.
+// string. A load that fails leaves the object as its Read leaves it after a failure
+// (XSizedRecordColl, for one, takes back what it had added); nothing else is touched,
+// and a packed body is wholly unpacked and checked before Read sees any of it. Hostile
+// input: the header is read into a fixed record; XPack refuses damaged, truncated
+// or wrongly deciphered bodies (0x20000004), and the unpacked body may not grow past
+// what the rest of the file can decode to.
 class TAVI_API XObject {
  public:
   XObject() = default;
