@@ -1,0 +1,1 @@
+tavi_add_fuzzer(collection_read ${CMAKE_CURRENT_LIST_DIR}/collection_read_fuzz.cpp)

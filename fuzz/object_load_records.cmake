@@ -1,0 +1,1 @@
+tavi_add_fuzzer(object_load_records ${CMAKE_CURRENT_LIST_DIR}/object_load_records_fuzz.cpp)
