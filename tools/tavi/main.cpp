@@ -20,6 +20,11 @@ constexpr Command kCommands[] = {
      RunErrors},
     {"hash", "print the CRC-32 and the 256-bit hash of files", "tavi hash FILE...", RunHash},
     {"help", "list the subcommands", "tavi help", RunHelp},
+    {"info", "describe a file that opens with the common file header", "tavi info FILE", RunInfo},
+    {"pack", "pack a file in blocks (compressed, checked, optionally enciphered)",
+     "tavi pack [options] INPUT [-o OUTPUT]", RunPack},
+    {"unpack", "check and restore a file made by tavi pack", "tavi unpack INPUT [-o OUTPUT]",
+     RunUnpack},
     {"version", "print the library version", "tavi version", RunVersion},
 };
 
