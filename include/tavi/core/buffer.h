@@ -86,7 +86,27 @@ class TAVI_API XBuffer : public XIO {
   virtual bool ExFile(XString16& name, uint16_t mode, XWindow owner);
   // ExFileMsg is ExFile that also shows a failure with XFileErrorMessage.
   virtual bool ExFileMsg(XString16& name, uint16_t mode, XWindow owner);
-  // (The packed-file and text-file members follow here.)
+  // WriteBufferEx packs the whole data (from byte 0) into target as one container of
+  // XPack: flags are the container's flag set (kXPackCRC, kXPackHash, kXPackAES,
+  // kXPackXOR), param its method set (0 stores, kXPackTryLZ, kXPackTryHuffman).
+  // Refusals and write failures are left in target (0x20000012 for empty data).
+  virtual bool WriteBufferEx(XIO& target, uint32_t flags, uint32_t param, const char16_t* password);
+  // ReadToBufferEx unpacks one container from source and appends its bytes at the
+  // data end. Failures are left in source; the bytes decoded before a failure found
+  // later (a trailer that does not match) stay appended.
+  virtual bool ReadToBufferEx(XIO& source, uint32_t flags, const char16_t* password);
+  // SaveFileEx opens name as ExFile does and writes the data with WriteBufferEx
+  // (backup mode puts the old file back when the save fails). LoadFileEx opens name
+  // (no owner) and makes the unpacked content the data (both positions go to 0
+  // first). Failures land in name. The Msg forms also show them (XFileErrorMessage).
+  virtual bool SaveFileEx(XString16& name, uint32_t flags, uint32_t param, const char16_t* password,
+                          uint16_t mode, XWindow owner);
+  virtual bool LoadFileEx(XString16& name, uint32_t flags, const char16_t* password, uint16_t mode);
+  virtual bool SaveFileExMsg(XString16& name, uint32_t flags, uint32_t param,
+                             const char16_t* password, uint16_t mode, XWindow owner);
+  virtual bool LoadFileExMsg(XString16& name, uint32_t flags, const char16_t* password,
+                             uint16_t mode, XWindow owner);
+  // (The text-file members follow here.)
 
   // By-name forms of ExFile and ExFileMsg.
   bool LoadFile(XString16& name, uint16_t mode) { return ExFile(name, mode, nullptr); }
