@@ -218,11 +218,10 @@ int RunPack(std::span<char* const> args) {
     return 1;
   }
 
-  FileHeader header;
-  header.identifier = kPackIdentifier;
-  std::memcpy(header.marker, "1234", 4);
+  XFileHeader256 header;
   header.reserved = kPackFormatVersion;
-  header.flags = (record.methods != 0 ? kHeaderCompressed : 0) | (ciphered ? kHeaderCrypted : 0);
+  header.SetForWriting(kPackIdentifier, (record.methods != 0 ? kFileHeaderCompressed : 0) |
+                                            (ciphered ? kFileHeaderCrypted : 0));
   uint8_t head[kHeaderSize + kRecordSize];
   EncodeHeader(header, head);
   EncodeRecord(record, head + kHeaderSize);
@@ -339,8 +338,8 @@ int RunUnpack(std::span<char* const> args) {
     Fail("unpack", input, "too short for a packed file");
     return 1;
   }
-  const FileHeader header = DecodeHeader(head);
-  if (header.identifier != kPackIdentifier || !header.HasMarker()) {
+  const XFileHeader256 header = DecodeHeader(head);
+  if (!header.IsFor(kPackIdentifier)) {
     Fail("unpack", input, "not a file made by tavi pack");
     return 1;
   }
@@ -453,9 +452,9 @@ std::string HeaderFlagWords(uint32_t flags) {
     if (!words.empty()) words += ", ";
     words += w;
   };
-  if (flags & kHeaderCompressed) add("compressed");
-  if (flags & kHeaderCrypted) add("enciphered");
-  if (flags & kHeaderUTF8) add("UTF-8 text");
+  if (flags & kFileHeaderCompressed) add("compressed");
+  if (flags & kFileHeaderCrypted) add("enciphered");
+  if (flags & kFileHeaderUTF8) add("UTF-8 text");
   if (flags & ~uint32_t{7}) add("other bits");
   return words.empty() ? "none (raw body)" : words;
 }
@@ -580,8 +579,8 @@ int RunInfo(std::span<char* const> args) {
     Fail("info", name, "shorter than the 32-byte file header");
     return 1;
   }
-  const FileHeader header = DecodeHeader(raw);
-  if (!header.HasMarker()) {
+  const XFileHeader256 header = DecodeHeader(raw);
+  if (header.marker != kFileHeaderMarker) {
     Fail("info", name, "does not begin with the common file header");
     return 1;
   }
@@ -598,7 +597,7 @@ int RunInfo(std::span<char* const> args) {
   std::printf("flags:         %s\n", HeaderFlagWords(header.flags).c_str());
   const uint64_t size = in.regular ? in.size : 0;
   if (ours) return InfoTaviPack(in.file, name, size);
-  if (header.flags & (kHeaderCompressed | kHeaderCrypted))
+  if (header.flags & (kFileHeaderCompressed | kFileHeaderCrypted))
     return InfoContainer(in.file, name, size);
   if (in.regular)
     std::printf("body:          raw, %llu bytes\n",

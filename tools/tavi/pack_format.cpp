@@ -31,7 +31,6 @@ uint64_t Get64(const uint8_t* p) {
   return Get32(p) | (uint64_t{Get32(p + 4)} << 32);
 }
 
-constexpr uint8_t kMarker[4] = {'1', '2', '3', '4'};
 constexpr uint32_t kReadStep = 1u << 20;
 
 // Collects the unpacked bytes of one block and refuses more than the frame declares.
@@ -55,24 +54,19 @@ class BoundedSink : public XIO {
 
 }  // namespace
 
-bool FileHeader::HasMarker() const {
-  return std::memcmp(marker, kMarker, 4) == 0;
-}
-
-void EncodeHeader(const FileHeader& header, uint8_t out[kHeaderSize]) {
+void EncodeHeader(const XFileHeader256& header, uint8_t out[kHeaderSize]) {
+  XBuffer buffer;
   std::memset(out, 0, kHeaderSize);
-  Put32(out, header.identifier);
-  std::memcpy(out + 4, header.marker, 4);
-  Put32(out + 8, header.reserved);
-  Put32(out + 12, header.flags);
+  if (header.Write(buffer) && buffer.GetBufferPos() == kHeaderSize)
+    std::memcpy(out, buffer.GetBuffer(), kHeaderSize);
 }
 
-FileHeader DecodeHeader(const uint8_t in[kHeaderSize]) {
-  FileHeader header;
-  header.identifier = Get32(in);
-  std::memcpy(header.marker, in + 4, 4);
-  header.reserved = Get32(in + 8);
-  header.flags = Get32(in + 12);
+XFileHeader256 DecodeHeader(const uint8_t in[kHeaderSize]) {
+  XBuffer buffer;
+  buffer.AttachBuffer(const_cast<uint8_t*>(in), kHeaderSize, true);
+  XFileHeader256 header;
+  header.Read(buffer);
+  buffer.DiscardBuffer();
   return header;
 }
 

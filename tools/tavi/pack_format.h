@@ -14,17 +14,16 @@
 #include <vector>
 
 #include "tavi/core/error.h"
+#include "tavi/file/file_header.h"
 
 namespace tavi::cli {
 
 // Common file header: identifier "TAVP" (the bytes 54 41 56 50), the marker "1234",
-// the format version in the reserved word, and the header flags.
+// the format version in the reserved word, and the header flags (compressed when a
+// method other than storing is allowed, enciphered with a cipher).
 inline constexpr uint32_t kPackIdentifier = 0x50564154u;
 inline constexpr uint32_t kPackFormatVersion = 1;
-inline constexpr uint32_t kHeaderCompressed = 0x1;
-inline constexpr uint32_t kHeaderCrypted = 0x2;
-inline constexpr uint32_t kHeaderUTF8 = 0x4;
-inline constexpr size_t kHeaderSize = 32;
+inline constexpr size_t kHeaderSize = XFileHeader256::kSize;
 inline constexpr size_t kRecordSize = 32;
 inline constexpr size_t kFrameSize = 8;
 
@@ -38,15 +37,6 @@ inline constexpr uint32_t kMaxContainerOverhead = 128;
 // The size field of a record written while the input's size was not known.
 inline constexpr uint64_t kSizeUnknown = ~uint64_t{0};
 
-// The 32 header bytes as read or to be written.
-struct FileHeader {
-  uint32_t identifier = 0;
-  uint8_t marker[4] = {};
-  uint32_t reserved = 0;
-  uint32_t flags = 0;
-  bool HasMarker() const;
-};
-
 // The record after the header: the original size (kSizeUnknown when packed from a
 // stream of unknown length), its modification time in seconds and nanoseconds since
 // 1970, the block size, and the container flags and methods every block used.
@@ -59,8 +49,9 @@ struct PackRecord {
   uint32_t methods = 0;
 };
 
-void EncodeHeader(const FileHeader& header, uint8_t out[kHeaderSize]);
-FileHeader DecodeHeader(const uint8_t in[kHeaderSize]);
+// The header's 32 bytes, written and read through the library's header record.
+void EncodeHeader(const XFileHeader256& header, uint8_t out[kHeaderSize]);
+XFileHeader256 DecodeHeader(const uint8_t in[kHeaderSize]);
 void EncodeRecord(const PackRecord& record, uint8_t out[kRecordSize]);
 // False (error 0x20000004) when the block size is out of range, the nanoseconds
 // reach a second, or the flags or methods hold bits a packer never sets.
