@@ -549,7 +549,7 @@ int InfoContainer(std::FILE* f, const std::string& name, uint64_t file_size) {
     return 0;
   }
   StdioStream stream(f);
-  uint64_t count = 0;
+  uint32_t count = 0;  // a container holds less than 4 GiB
   if (!_ReadPackNumber16(stream, count)) {
     Fail("info", name, "packed body: " + ErrorText(stream));
     return 1;
