@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -88,11 +89,26 @@ extern "C" void OnInterrupt(int) {
 // The progress record's "window" is standard error: the bar redraws one line.
 XWindowHandle* const kStderrWindow = reinterpret_cast<XWindowHandle*>(uintptr_t{2});
 
+// The record being drawn; the library calls the table with its progress lock held,
+// so the counts read here are consistent.
+std::atomic<const strProgress*> g_drawn{nullptr};
+
+// Draws "title [#####.....]  42%" from the record's counts, or the library's final
+// title ("packing done") as it stands.
 bool DrawTitle(XWindow window, const char16_t* text) {
   if (window != kStderrWindow) return XDefaultUserInterface()->set_window_text(window, text);
   size_t n = 0;
   while (text[n] != 0) ++n;
-  std::fprintf(stderr, "\r%s\033[K", FromUtf16(text, n).c_str());
+  std::string line = FromUtf16(text, n);
+  const strProgress* p = g_drawn.load();
+  if (p != nullptr && p->state == kProgressRunning && p->total != kProgressTotalUnknown &&
+      p->total != 0 && p->done < p->total) {
+    const std::string title = FromUtf16(p->title.c_str(), p->title.GetBufferPos() / 2);
+    const auto percent = static_cast<unsigned>(p->done * 100 / p->total);
+    line = title + "[" + std::string(percent / 5, '#') + std::string(20 - percent / 5, '.') + "] " +
+           std::to_string(percent) + "%";
+  }
+  std::fprintf(stderr, "\r%s\033[K", line.c_str());
   std::fflush(stderr);
   return true;
 }
@@ -294,6 +310,7 @@ void ProgressBar::Start(const char* title, uint64_t total) {
   title_ = ToUtf16(title);
   ProgressStart(progress_, title_.data(), static_cast<uint32_t>(title_.size()), total, options_);
   g_cancel.store(&options_.cancel);
+  g_drawn.store(&progress_);
   struct sigaction action {};
   action.sa_handler = OnInterrupt;
   sigemptyset(&action.sa_mask);
@@ -302,7 +319,15 @@ void ProgressBar::Start(const char* title, uint64_t total) {
 }
 
 bool ProgressBar::Update(uint64_t done) {
-  return ProgressSet(progress_, done) == kProgressRunning;
+  const bool running = ProgressSet(progress_, done) == kProgressRunning;
+  // The record redraws only when its whole percentage step changes; the bar moves
+  // at least every fifth of a second.
+  const auto now = std::chrono::steady_clock::now();
+  if (shown_ && running && now - last_draw_ >= std::chrono::milliseconds(200)) {
+    last_draw_ = now;
+    ProgressSetTitleValue(progress_);
+  }
+  return running;
 }
 
 bool ProgressBar::Cancelled() const {
@@ -314,6 +339,7 @@ void ProgressBar::End(bool ok) {
   started_ = false;
   ProgressEnd(progress_, ok);
   g_cancel.store(nullptr);
+  g_drawn.store(nullptr);
   std::signal(SIGINT, SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
   if (shown_) {

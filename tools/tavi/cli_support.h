@@ -7,6 +7,7 @@
 //===----------------------------------------------------------------------===//
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -86,6 +87,7 @@ class ProgressBar {
   std::u16string title_;
   bool shown_ = false;
   bool started_ = false;
+  std::chrono::steady_clock::time_point last_draw_{};
 };
 
 }  // namespace tavi::cli
