@@ -146,9 +146,12 @@ stdio)
   make_data
   "$tavi" pack - <mixed | "$tavi" unpack - >back || fail "pipe"
   cmp -s mixed back || fail "pipe bytes"
-  "$tavi" pack - -o s.tavi <text || fail "pack from standard input"
+  cat text | "$tavi" pack - -o s.tavi || fail "pack from standard input"
   "$tavi" unpack s.tavi -o - >back || fail "unpack to standard output"
   cmp -s text back || fail "standard output bytes"
+  # Data from a pipe is dated when it was packed.
+  expect 0 unpack s.tavi -o dated
+  [ $(($(date +%s) - $(stat -c %Y dated))) -lt 3600 ] || fail "pipe data dated $(stat -c %y dated)"
   # The size is not known ahead from a pipe; truncation is still caught.
   head -c 100 s.tavi | "$tavi" unpack - >/dev/null 2>err.txt && fail "truncated pipe"
   "$tavi" pack - <empty | "$tavi" unpack - >back || fail "empty pipe"
@@ -167,6 +170,8 @@ info)
   grep -q "packed size: *$(stat -c %s m.tavi) bytes" out.txt || fail "packed size"
   blocks=$((($(stat -c %s mixed) + 65535) / 65536))
   grep -q "blocks: *$blocks " out.txt || fail "block count"
+  "$tavi" info - <m.tavi >out.txt 2>err.txt || fail "info from a pipe: $(cat err.txt)"
+  grep -q "blocks: *$blocks " out.txt || fail "block count from a pipe"
   # A file saved by another program: its own identifier, one container after the
   # header. Built here from the first block of a plain packed file.
   expect 0 pack text --method lz -o t.tavi

@@ -17,6 +17,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 #include "tavi/core/string.h"
 #include "tavi/core/user_interface.h"
@@ -290,6 +291,12 @@ bool InputFile::Open(const std::string& name, std::string& problem) {
   } else if (name != "-" && S_ISDIR(st.st_mode)) {
     problem = "is a folder";
     return false;
+  } else {
+    // A pipe has no time of its own: the data is as new as now.
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    mtime_sec = now.tv_sec;
+    mtime_nsec = static_cast<uint32_t>(now.tv_nsec);
   }
   return true;
 }

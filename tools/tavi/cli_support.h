@@ -59,7 +59,7 @@ class OutputFile {
 };
 
 // An input file or standard input ("-"), with its size and modification time when
-// it is a regular file.
+// it is a regular file (the current time for anything else).
 struct InputFile {
   std::FILE* file = nullptr;
   bool regular = false;
@@ -75,6 +75,10 @@ struct InputFile {
 // flag from the moment Start is called until End.
 class ProgressBar {
  public:
+  ProgressBar() = default;
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+  ~ProgressBar() { End(false); }
   void Start(const char* title, uint64_t total);
   // False once Ctrl-C was pressed.
   bool Update(uint64_t done);

@@ -6,6 +6,7 @@
 // file header.
 //
 //===----------------------------------------------------------------------===//
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -471,6 +472,18 @@ class StdioStream : public XIO {
   std::FILE* file_;
 };
 
+// Moves past bytes of a file, or reads them away from a pipe.
+bool Skip(std::FILE* f, uint32_t bytes) {
+  if (std::fseek(f, static_cast<long>(bytes), SEEK_CUR) == 0) return true;
+  uint8_t sink[4096];
+  while (bytes > 0) {
+    const size_t n = ReadFull(f, sink, std::min<size_t>(bytes, sizeof sink));
+    if (n == 0) return false;
+    bytes -= static_cast<uint32_t>(n);
+  }
+  return true;
+}
+
 uint32_t Le32(const uint8_t* p) {
   return p[0] | (p[1] << 8) | (p[2] << 16) | (static_cast<uint32_t>(p[3]) << 24);
 }
@@ -510,8 +523,7 @@ int InfoTaviPack(std::FILE* f, const std::string& name, uint64_t file_size) {
     const uint32_t raw_size = Le32(frame), packed_size = Le32(frame + 4);
     packed += kFrameSize;
     if (raw_size == 0) break;
-    if (packed_size < 4 || ReadFull(f, frame + kFrameSize, 4) != 4 ||
-        std::fseek(f, static_cast<long>(packed_size - 4), SEEK_CUR) != 0) {
+    if (packed_size < 4 || ReadFull(f, frame + kFrameSize, 4) != 4 || !Skip(f, packed_size - 4)) {
       Fail("info", name, "damaged at block " + std::to_string(blocks + 1));
       return 1;
     }
