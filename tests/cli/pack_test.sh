@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # End-to-end checks of tavi pack, unpack and info on temporary files.
-# usage: pack_test.sh TAVI GROUP   (GROUP: roundtrip password damage overwrite stdio info usage)
+# usage: pack_test.sh TAVI GROUP   (GROUP: roundtrip password damage overwrite stdio info cancel usage)
 set -u
 tavi=$1
 group=$2
@@ -188,6 +188,27 @@ info)
   expect 1 info text
   grep -q "common file header" err.txt || fail "not a header message"
   expect 1 info one
+  ;;
+
+cancel)
+  # An interrupt while packing or unpacking removes the partial output. The input
+  # stalls after its first megabytes, so the program is surely still at work.
+  head -c $((6 << 20)) /dev/urandom | base64 >big
+  { head -c $((5 << 20)) big; sleep 2; } | "$tavi" pack --method store - -o big.tavi 2>err.txt &
+  pid=$!
+  sleep 0.5
+  kill -INT $pid
+  wait $pid && fail "pack was not interrupted"
+  grep -q cancelled err.txt || fail "cancel message: $(cat err.txt)"
+  only big
+  "$tavi" pack --method store big -o big.tavi || fail "pack"
+  { head -c $((5 << 20)) big.tavi; sleep 2; } | "$tavi" unpack - -o back 2>err.txt &
+  pid=$!
+  sleep 0.5
+  kill -INT $pid
+  wait $pid && fail "unpack was not interrupted"
+  grep -q cancelled err.txt || fail "cancel message: $(cat err.txt)"
+  only big big.tavi
   ;;
 
 usage)

@@ -305,6 +305,22 @@ InputFile::~InputFile() {
   if (file != nullptr && file != stdin) std::fclose(file);
 }
 
+ProgressBar::ProgressBar() {
+  g_cancel.store(&options_.cancel);
+  struct sigaction action {};
+  action.sa_handler = OnInterrupt;
+  sigemptyset(&action.sa_mask);
+  ::sigaction(SIGINT, &action, nullptr);
+  ::sigaction(SIGTERM, &action, nullptr);
+}
+
+ProgressBar::~ProgressBar() {
+  End(false);
+  g_cancel.store(nullptr);
+  std::signal(SIGINT, SIG_DFL);
+  std::signal(SIGTERM, SIG_DFL);
+}
+
 void ProgressBar::Start(const char* title, uint64_t total) {
   static const XUserInterface table = MakeTerminalTable();
   started_ = true;
@@ -315,14 +331,11 @@ void ProgressBar::Start(const char* title, uint64_t total) {
     options_.window = kStderrWindow;
   }
   title_ = ToUtf16(title);
+  // Starting clears the cancel flag; a Ctrl-C that came before must not be lost.
+  const bool interrupted = options_.cancel.load();
   ProgressStart(progress_, title_.data(), static_cast<uint32_t>(title_.size()), total, options_);
-  g_cancel.store(&options_.cancel);
+  if (interrupted) options_.cancel.store(true);
   g_drawn.store(&progress_);
-  struct sigaction action {};
-  action.sa_handler = OnInterrupt;
-  sigemptyset(&action.sa_mask);
-  ::sigaction(SIGINT, &action, nullptr);
-  ::sigaction(SIGTERM, &action, nullptr);
 }
 
 bool ProgressBar::Update(uint64_t done) {
@@ -345,10 +358,7 @@ void ProgressBar::End(bool ok) {
   if (!started_) return;
   started_ = false;
   ProgressEnd(progress_, ok);
-  g_cancel.store(nullptr);
   g_drawn.store(nullptr);
-  std::signal(SIGINT, SIG_DFL);
-  std::signal(SIGTERM, SIG_DFL);
   if (shown_) {
     std::fputc('\n', stderr);
     XSetUserInterface(nullptr);

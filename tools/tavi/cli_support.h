@@ -71,14 +71,15 @@ struct InputFile {
 };
 
 // Progress on standard error through the library's progress records, shown only
-// when standard error is a terminal and the work is large. Ctrl-C sets the cancel
-// flag from the moment Start is called until End.
+// when standard error is a terminal and the work is large. While a bar exists,
+// Ctrl-C (or SIGTERM) sets its cancel flag instead of ending the program, so that
+// the caller can remove partial output; one bar at a time.
 class ProgressBar {
  public:
-  ProgressBar() = default;
+  ProgressBar();
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
-  ~ProgressBar() { End(false); }
+  ~ProgressBar();
   void Start(const char* title, uint64_t total);
   // False once Ctrl-C was pressed.
   bool Update(uint64_t done);

@@ -213,6 +213,7 @@ int RunPack(std::span<char* const> args) {
   record.size = in.regular ? in.size : kSizeUnknown;
   record.mtime_sec = in.mtime_sec;
   record.mtime_nsec = in.mtime_nsec;
+  ProgressBar bar;  // from here on Ctrl-C cancels
   OutputFile out;
   if (!out.Open(output, force, problem)) {
     Fail("pack", output, problem);
@@ -230,7 +231,6 @@ int RunPack(std::span<char* const> args) {
 
   PackContext ctx{&record, ciphered ? password.c_str() : nullptr};
   std::vector<PackJob> jobs(BatchSize());
-  ProgressBar bar;
   bar.Start("packing", in.regular ? in.size : kProgressTotalUnknown);
   uint64_t done = 0;
   bool at_end = false;
@@ -246,6 +246,11 @@ int RunPack(std::span<char* const> args) {
         ++count;
         break;
       }
+    }
+    if (bar.Cancelled()) {
+      bar.End(false);
+      Fail("pack", input, "cancelled");
+      return 1;
     }
     if (std::ferror(in.file)) {
       bar.End(false);
@@ -359,6 +364,7 @@ int RunUnpack(std::span<char* const> args) {
     Fail("unpack", input, problem);
     return 1;
   }
+  ProgressBar bar;  // from here on Ctrl-C cancels
   OutputFile out;
   if (!out.Open(output, force, problem)) {
     Fail("unpack", output, problem);
@@ -369,7 +375,6 @@ int RunUnpack(std::span<char* const> args) {
   BlockReader reader(source, record);
   PackContext ctx{&record, ciphered ? password.c_str() : nullptr};
   std::vector<UnpackJob> jobs(BatchSize());
-  ProgressBar bar;
   bar.Start("unpacking", record.size);
   uint64_t done = 0;
   uint64_t block_number = 0;
@@ -385,6 +390,7 @@ int RunUnpack(std::span<char* const> args) {
     while (count < jobs.size()) {
       const BlockReader::Status status = reader.Next(jobs[count].frame);
       if (status == BlockReader::kBad) {
+        if (bar.Cancelled()) return fail("cancelled");
         return fail("damaged or truncated after block " + std::to_string(block_number + count) +
                     ": " + ErrorText(reader.error()));
       }
