@@ -182,6 +182,13 @@ info)
   grep -q 'version: *7' out.txt || fail "reserved word"
   grep -q 'method: *LZ' out.txt || fail "method"
   grep -q "unpacked size: *$(od -An -tu4 -j 64 -N4 t.tavi | tr -d ' ') bytes" out.txt || fail "count"
+  # The same with an enciphered container: its count is enciphered too.
+  expect 0 pack text --aes -o a.tavi
+  len=$(od -An -tu4 -j 68 -N4 a.tavi | tr -d ' ')
+  { printf 'ABCD1234\7\0\0\0\3\0\0\0'; head -c 16 /dev/zero; tail -c +73 a.tavi | head -c "$len"; } >secret.bin
+  "$tavi" info secret.bin >out.txt 2>err.txt || fail "info enciphered object: $(cat err.txt)"
+  grep -q 'flags: *compressed, enciphered' out.txt || fail "enciphered object flags"
+  grep -q 'unpacked size: *enciphered' out.txt || fail "enciphered object count"
   { printf 'ABCD1234\0\0\0\0\0\0\0\0'; head -c 20 /dev/zero; } >raw.bin
   "$tavi" info raw.bin >out.txt || fail "info raw"
   grep -q 'body: *raw, 4 bytes' out.txt || fail "raw body"
