@@ -201,17 +201,17 @@ cancel)
   # An interrupt while packing or unpacking removes the partial output. The input
   # stalls after its first megabytes, so the program is surely still at work.
   head -c $((6 << 20)) /dev/urandom | base64 >big
-  { head -c $((5 << 20)) big; sleep 2; } | "$tavi" pack --method store - -o big.tavi 2>err.txt &
+  { head -c $((5 << 20)) big; sleep 4; } | "$tavi" pack --method store - -o big.tavi 2>err.txt &
   pid=$!
-  sleep 0.5
+  sleep 1
   kill -INT $pid
   wait $pid && fail "pack was not interrupted"
   grep -q cancelled err.txt || fail "cancel message: $(cat err.txt)"
   only big
   "$tavi" pack --method store big -o big.tavi || fail "pack"
-  { head -c $((5 << 20)) big.tavi; sleep 2; } | "$tavi" unpack - -o back 2>err.txt &
+  { head -c $((5 << 20)) big.tavi; sleep 4; } | "$tavi" unpack - -o back 2>err.txt &
   pid=$!
-  sleep 0.5
+  sleep 1
   kill -INT $pid
   wait $pid && fail "unpack was not interrupted"
   grep -q cancelled err.txt || fail "cancel message: $(cat err.txt)"
