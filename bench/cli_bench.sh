@@ -14,18 +14,15 @@ tar -cf "$work/text" -C /usr/include c++ 2>/dev/null
 cp /usr/bin/cmake "$work/code"
 head -c $((16 << 20)) /usr/lib/x86_64-linux-gnu/libicudata.so >"$work/mixed"
 
-# Runs a command with stdin/stdout redirected and prints its wall time in seconds.
+# Runs a command with stdin/stdout redirected; prints "wall cpu" in seconds (cpu is
+# user + system time of all its threads).
 timed() {
   local in=$1 out=$2
   shift 2
-  local t0 t1
-  t0=$(date +%s.%N)
-  "$@" <"$in" >"$out"
-  t1=$(date +%s.%N)
-  awk -v a="$t0" -v b="$t1" 'BEGIN { printf "%.2f", b - a }'
+  local TIMEFORMAT='%R %U %S'
+  { time "$@" <"$in" >"$out" 2>/dev/null; } 2>&1 | awk '{ printf "%.2f %.2f\n", $1, $2 + $3 }'
 }
 
-mb() { awk -v s="$1" -v t="$2" 'BEGIN { printf "%.1f", s / 1048576 / (t > 0 ? t : 0.01) }'; }
 pct() { awk -v p="$1" -v w="$2" 'BEGIN { printf "%.1f", 100 * p / w }'; }
 
 echo "| data | size | tavi pack | gzip -6 | tavi unpack | gzip -d | tavi size | gzip -6 size | zstd -3 size | xz -6 size |"
@@ -33,18 +30,19 @@ echo "|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|"
 for kind in text code mixed; do
   f=$work/$kind
   size=$(stat -c %s "$f")
-  tp=$(timed "$f" "$f.tavi" "$tavi" pack -)
-  tu=$(timed "$f.tavi" "$f.back" "$tavi" unpack -)
+  read -r tp cp < <(timed "$f" "$f.tavi" "$tavi" pack -)
+  read -r tu cu < <(timed "$f.tavi" "$f.back" "$tavi" unpack -)
   cmp -s "$f" "$f.back" || { echo "tavi round trip differs on $kind" >&2; exit 1; }
-  gp=$(timed "$f" "$f.gz" gzip -6 -c)
-  gu=$(timed "$f.gz" "$f.back" gzip -d -c)
+  read -r gp gcp < <(timed "$f" "$f.gz" gzip -6 -c)
+  read -r gu gcu < <(timed "$f.gz" "$f.back" gzip -d -c)
   zstd -q -3 -c <"$f" >"$f.zst"
   xz -6 -c <"$f" >"$f.xz"
-  printf '| %s | %.1f MiB | %.2f s (%s MB/s) | %.2f s (%s MB/s) | %.2f s | %.2f s | %s%% | %s%% | %s%% | %s%% |\n' \
-    "$kind" "$(awk -v s="$size" 'BEGIN { print s / 1048576 }')" "$tp" "$(mb "$size" "$tp")" "$gp" "$(mb "$size" "$gp")" \
-    "$tu" "$gu" "$(pct "$(stat -c %s "$f.tavi")" "$size")" "$(pct "$(stat -c %s "$f.gz")" "$size")" \
+  printf '| %s | %.1f MiB | %s s (cpu %s s) | %s s (cpu %s s) | %s s (cpu %s s) | %s s (cpu %s s) | %s%% | %s%% | %s%% | %s%% |\n' \
+    "$kind" "$(awk -v s="$size" 'BEGIN { print s / 1048576 }')" "$tp" "$cp" "$gp" "$gcp" "$tu" "$cu" "$gu" "$gcu" \
+    "$(pct "$(stat -c %s "$f.tavi")" "$size")" "$(pct "$(stat -c %s "$f.gz")" "$size")" \
     "$(pct "$(stat -c %s "$f.zst")" "$size")" "$(pct "$(stat -c %s "$f.xz")" "$size")"
   rm -f "$f".*
 done
 echo
-echo "Sizes are in per cent of the input; MB/s are MiB of input per second of wall time."
+echo "Times are wall seconds, with the processor seconds of all threads (user + system)"
+echo "in brackets; sizes are in per cent of the input."
