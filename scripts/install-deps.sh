@@ -8,6 +8,7 @@ packages=(
   libicu-dev
   libgtest-dev libbenchmark-dev zlib1g-dev libssl-dev
   clang libclang-rt-14-dev
+  gzip zstd xz-utils
 )
 
 missing=()

@@ -21,6 +21,9 @@ std::span<const Command> Commands();
 int RunErrors(std::span<char* const> args);
 int RunHash(std::span<char* const> args);
 int RunHelp(std::span<char* const> args);
+int RunInfo(std::span<char* const> args);
+int RunPack(std::span<char* const> args);
+int RunUnpack(std::span<char* const> args);
 int RunVersion(std::span<char* const> args);
 int RunText(std::span<char* const> args);
 

@@ -1,0 +1,98 @@
+//===- cli_support.h - Shared pieces of the file subcommands ---*- C++ -*-===//
+//
+// Error text, passwords, output files that appear only when complete, and the
+// progress bar with Ctrl-C cancellation, for the subcommands that read and write
+// files.
+//
+//===----------------------------------------------------------------------===//
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include "tavi/core/error.h"
+#include "tavi/thread/progress.h"
+
+namespace tavi::cli {
+
+// The library's message for the error, in UTF-8, without a final full stop.
+std::string ErrorText(const XError& error);
+std::u16string ToUtf16(std::string_view text);
+
+// Prints "tavi <command>: <subject>: <message>" on standard error.
+void Fail(const char* command, std::string_view subject, std::string_view message);
+
+// The password comes from the file (its first line), else TAVI_PASSWORD, else a
+// prompt without echo on the terminal (asked twice when `confirm`). False with the
+// reason in `problem` when there is none or it cannot be read.
+bool GetPassword(const char* password_file, bool confirm, std::u16string& password,
+                 std::string& problem);
+
+// OutputFile writes to a temporary file beside the target and renames it over the
+// target only in Commit, so that a failure or a cancellation leaves nothing. "-" is
+// standard output, written directly.
+class OutputFile {
+ public:
+  OutputFile() = default;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  ~OutputFile() { Abort(); }
+
+  // False with the reason in `problem` when the target exists and `force` is not
+  // set, or the temporary file cannot be made.
+  bool Open(const std::string& target, bool force, std::string& problem);
+  bool Write(const void* data, size_t bytes);
+  // Flushes, sets the modification time when `mtime_sec` is not null, and renames.
+  bool Commit(const int64_t* mtime_sec, uint32_t mtime_nsec, std::string& problem);
+  // Removes the temporary file (nothing for standard output).
+  void Abort();
+  bool IsStdout() const { return stdout_; }
+
+ private:
+  std::string target_;
+  std::string temp_;
+  std::FILE* file_ = nullptr;
+  bool stdout_ = false;
+};
+
+// An input file or standard input ("-"), with its size and modification time when
+// it is a regular file (the current time for anything else).
+struct InputFile {
+  std::FILE* file = nullptr;
+  bool regular = false;
+  uint64_t size = 0;
+  int64_t mtime_sec = 0;
+  uint32_t mtime_nsec = 0;
+  bool Open(const std::string& name, std::string& problem);
+  ~InputFile();
+};
+
+// Progress on standard error through the library's progress records, shown only
+// when standard error is a terminal and the work is large. While a bar exists,
+// Ctrl-C (or SIGTERM) sets its cancel flag instead of ending the program, so that
+// the caller can remove partial output; one bar at a time.
+class ProgressBar {
+ public:
+  ProgressBar();
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
+  ~ProgressBar();
+  void Start(const char* title, uint64_t total);
+  // False once Ctrl-C was pressed.
+  bool Update(uint64_t done);
+  bool Cancelled() const;
+  void End(bool ok);
+
+ private:
+  strProgressOptions options_;
+  strProgress progress_;
+  std::u16string title_;
+  bool shown_ = false;
+  bool started_ = false;
+  std::chrono::steady_clock::time_point last_draw_{};
+};
+
+}  // namespace tavi::cli
