@@ -177,7 +177,9 @@ bool Converter::Emit(const char16_t* units, size_t count, Sink& sink, XError& er
 
 template <typename Sink>
 size_t Converter::Run(const uint8_t* in, size_t n, bool at_end, Sink& sink, XError& error) {
-  char16_t piece[kPiece];
+  // One unit more than a step's bytes: the decoder wants room for a whole pair
+  // before it looks at a 4-byte lead, even one cut at the end.
+  char16_t piece[kPiece + 1];
   size_t done = 0;
   switch (source_) {
     case Encoding::kUtf8:
@@ -187,18 +189,20 @@ size_t Converter::Run(const uint8_t* in, size_t n, bool at_end, Sink& sink, XErr
         char16_t* units = piece;
         uint8_t* direct = nullptr;
         if (target_ == Encoding::kUtf16) {
-          direct = sink.Room(2 * step);
+          direct = sink.Room(2 * (step + 1));
           if (direct == nullptr) return SIZE_MAX;
           if (reinterpret_cast<uintptr_t>(direct) % alignof(char16_t) == 0)
             units = reinterpret_cast<char16_t*>(direct);
           else
             direct = nullptr;
         }
+        // Block stores stay within the text's own output (never more units than
+        // bytes), so the extra unit never touches memory past the caller's room.
         size_t consumed = 0;
         size_t produced = 0;
         size_t needed = 0;
         const internal::Utf8Status status =
-            internal::DecodeUtf8(in + done, step, units, step, &consumed, &produced, &needed);
+            internal::DecodeUtf8(in + done, step, units, step + 1, &consumed, &produced, &needed);
         if (direct != nullptr) {
           if (!sink.Commit(2 * produced)) return SIZE_MAX;
         } else if (!Emit(units, produced, sink, error)) {
