@@ -55,19 +55,6 @@ uint32_t Converter::Init(uint16_t target, uint16_t source, bool strict) {
   return 0;
 }
 
-uint64_t Converter::MaxOutput(uint64_t n) const {
-  n += carry_n_;
-  switch (target_) {
-    case Encoding::kUtf16:
-      return source_ == Encoding::kUtf16 ? n + 1 : 2 * n;
-    case Encoding::kUtf8:
-      return source_ == Encoding::kUtf16 ? 3 * (n / 2) + 1 : source_ == Encoding::kUtf8 ? n : 3 * n;
-    case Encoding::kCodePage:
-      return source_ == Encoding::kUtf16 ? n / 2 + 1 : n;
-  }
-  return 3 * n + 2;
-}
-
 size_t MalformedUtf8Length(const uint8_t* in, size_t n) {
   const uint8_t lead = in[0];
   size_t length;

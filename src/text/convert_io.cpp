@@ -22,7 +22,8 @@ using text_internal::Converter;
 // Bytes of the next stream converted per refill in the read direction.
 constexpr uint32_t kReadPiece = 4096;
 
-// Room for the conversion of one refill (and a carry); see Converter::MaxOutput.
+// Room for the conversion of one refill and a carry: at most three bytes of output
+// per byte of input (a code page to UTF-8).
 constexpr uint32_t kReadyBytes = 3 * (kReadPiece + 8) + 64;
 
 // Converts into the block of read-ahead text.

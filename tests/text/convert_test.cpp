@@ -175,6 +175,10 @@ TEST(Convert, StreamFormsMatchMemoryForms) {
   // Faults and refusals carry their codes; nothing is written for a refused pair.
   XBuffer strict;
   EXPECT_EQ(test::Fail(XUtf8ToUtf16(strict, "ab\xFF", 3, kConvertStrict), strict), kErrConversion);
+  // A fault first, into a buffer that has no block yet.
+  XBuffer fresh;
+  ASSERT_TRUE(XUtf8ToCodePage(fresh, 1252, "\xC3Q", 2));
+  EXPECT_EQ(test::Data(fresh), test::Bytes({'?', 'Q'}));
   XBuffer none;
   EXPECT_EQ(test::Fail(XCodePageToUtf16(none, 4242, "a", 1), none), kErrSaveEncoding);
   EXPECT_EQ(test::Fail(XConvertText(none, kTextUtf16, kTextUtf16BE, "ab", 2), none),

@@ -53,8 +53,6 @@ class Converter {
 
   bool Pending() const { return carry_n_ != 0; }
   void Clear() { carry_n_ = 0; }
-  // Most bytes of output that n bytes of input (with a full carry) can give.
-  uint64_t MaxOutput(uint64_t n) const;
 
   Encoding Source() const { return source_; }
   Encoding Target() const { return target_; }
@@ -106,6 +104,7 @@ inline size_t FindUnpaired(const char16_t* units, size_t count) {
 
 template <typename Sink>
 bool Converter::Emit(const char16_t* units, size_t count, Sink& sink, XError& error) {
+  if (count == 0) return true;
   const bool check = source_ == Encoding::kUtf16;
   switch (target_) {
     case Encoding::kUtf16: {
