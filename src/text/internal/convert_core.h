@@ -286,7 +286,8 @@ size_t Converter::Run(const uint8_t* in, size_t n, bool at_end, Sink& sink, XErr
 
 template <typename Sink>
 bool Converter::Put(const uint8_t* in, size_t n, Sink& sink, XError& error) {
-  if (carry_n_ != 0 && n != 0) {
+  if (n == 0) return true;  // in may be null then
+  if (carry_n_ != 0) {
     // Complete the cut character with up to four new bytes, then go on from the input.
     uint8_t joined[16];
     const size_t cn = carry_n_;
