@@ -4,8 +4,8 @@
 // upper, lower and title case by Unicode's full mappings, in which the length can
 // change ("ß" becomes "SS", "ŉ" becomes "ʼN"), and the simple case folding that
 // case-insensitive search and comparison (search.h) use. Mappings follow no
-// particular language (no Turkish dotless i); text of ASCII only takes a fast path
-// that gives the same result.
+// particular language (no Turkish dotless i). Upper and lower case of text that is
+// all ASCII take a fast path that gives the same result.
 //
 //===----------------------------------------------------------------------===//
 #pragma once

@@ -37,7 +37,8 @@ class Converter;
 // Writing sends the converted text on in pieces of a few KiB and holds back only a
 // cut character; into an XBuffer it converts straight into the buffer's memory.
 // Reading keeps the converted text of one piece of input that the caller has not
-// taken yet. A stream is used for one direction at a time.
+// taken yet; a strict-mode fault drops what that piece gave before the fault.
+// A stream is used for one direction at a time.
 class TAVI_API XConvertIO : public XRoutedIO {
  public:
   // The default stream converts UTF-8 to UTF-16 and has no next stream.
