@@ -1,5 +1,5 @@
 //===- buffer_file.cpp - Loading and saving buffers as whole files ---------===//
-#include "file/internal/named_file_session.h"
+#include "file/internal/saving.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/string.h"
 #include "tavi/file/file.h"
@@ -43,10 +43,10 @@ bool XBuffer::LoadRestOfFile(XFile& file) {
 }
 
 bool XBuffer::ExFile(XString16& name, uint16_t mode, XWindow owner) {
-  internal::NamedFileSession session(name, mode);
-  if (!session.Open(owner)) return false;
-  XFile& file = session.File();
-  return session.Finish(session.Reading() ? LoadFile(file) : SaveBuffer(file) && file._Flush());
+  const bool reading = (mode & kFileRead) != 0;
+  return internal::OnNamedFile(name, mode, owner, [&](XFile& file) {
+    return reading ? LoadFile(file) : SaveBuffer(file) && file._Flush();
+  });
 }
 
 bool XBuffer::ExFileMsg(XString16& name, uint16_t mode, XWindow owner) {

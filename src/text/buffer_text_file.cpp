@@ -1,5 +1,5 @@
 //===- buffer_text_file.cpp - XBuffer's text-file members ------------------===//
-#include "file/internal/named_file_session.h"
+#include "file/internal/saving.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/string.h"
 #include "tavi/file/file.h"
@@ -21,18 +21,19 @@ uint16_t XBuffer::LoadTextFile(XFile& file, uint16_t source_format, uint16_t buf
 
 uint16_t XBuffer::ExTextFile(XString16& name, uint16_t format, uint16_t buffer_format,
                              uint16_t mode, XWindow owner) {
-  internal::NamedFileSession session(name, mode);
-  if (!session.Reading() && format == 0)
+  const bool reading = (mode & kFileRead) != 0;
+  if (!reading && format == 0)
     format = XGetLanguageCodePage(kLanguageUserDefault, kCodePageOem, false);
-  if (!session.Open(owner)) return 0;
-  XFile& file = session.File();
   uint16_t result = 0;
-  if (session.Reading()) {
-    result = LoadTextFile(file, format, buffer_format);
-  } else if (SaveTextFile(file, format, buffer_format)) {
-    result = format;
-  }
-  return session.Finish(result != 0) ? result : 0;
+  const bool ok = internal::OnNamedFile(name, mode, owner, [&](XFile& file) {
+    if (reading) {
+      result = LoadTextFile(file, format, buffer_format);
+    } else if (SaveTextFile(file, format, buffer_format)) {
+      result = format;
+    }
+    return result != 0;
+  });
+  return ok ? result : 0;
 }
 
 uint16_t XBuffer::ExTextFileMsg(XString16& name, uint16_t format, uint16_t buffer_format,
