@@ -41,6 +41,7 @@
 #include "tavi/resource/string_resource.h"
 #include "tavi/text/code_page.h"
 #include "tavi/text/html.h"
+#include "tavi/text/language.h"
 #include "tavi/text/text_file.h"
 #include "tavi/text/wildcard.h"
 #include "tavi/thread/count_safe.h"
