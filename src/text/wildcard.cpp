@@ -8,7 +8,7 @@
 //===----------------------------------------------------------------------===//
 #include "tavi/text/wildcard.h"
 
-#include <vector>
+#include <memory>
 
 #include "platform/locale.h"
 #include "text/internal/wildcard.h"
@@ -19,7 +19,7 @@ namespace {
 enum class Kind : uint8_t { kChar, kAny, kSet, kStar };
 
 struct Element {
-  Kind kind;
+  Kind kind = Kind::kChar;
   bool negate = false;
   char32_t c = 0;      // kChar
   uint32_t first = 0;  // kSet: ranges [first, last) of the pattern's range list
@@ -54,75 +54,149 @@ char32_t Upper(char32_t c) {
   return c < 0x10000 ? platform::ToUpper(static_cast<char16_t>(c)) : c;
 }
 
+// Room kept on the stack; longer patterns take their arrays from the heap.
+constexpr size_t kLocalUnits = 48;
+
 class Pattern {
  public:
   Pattern(const char16_t* p, size_t n, bool ignore_case) : ignore_case_(ignore_case) {
+    // Every code unit gives at most one element and one range.
+    if (n > kLocalUnits) {
+      heap_elements_.reset(new Element[n]);
+      heap_ranges_.reset(new Range[n]);
+      elements_ = heap_elements_.get();
+      ranges_ = heap_ranges_.get();
+    }
     size_t i = 0;
     while (i < n) {
       const size_t at = i;
       const char32_t c = Next(p, n, i);
       if (c == U'*') {
-        if (elements_.empty() || elements_.back().kind != Kind::kStar)
-          elements_.push_back({Kind::kStar});
+        if (count_ == 0 || elements_[count_ - 1].kind != Kind::kStar)
+          elements_[count_++] = {Kind::kStar, false, 0, 0, 0};
       } else if (c == U'?') {
-        elements_.push_back({Kind::kAny});
+        elements_[count_++] = {Kind::kAny, false, 0, 0, 0};
       } else if (c == U'[' && ParseSet(p, n, i)) {
       } else {
         i = at;
-        elements_.push_back({Kind::kChar, false, Fold(Next(p, n, i))});
+        elements_[count_++] = {Kind::kChar, false, Fold(Next(p, n, i)), 0, 0};
       }
     }
-    const size_t states = elements_.size() + 1;
-    words_ = (states + 63) / 64;
-    star_.assign(words_, 0);
-    for (size_t e = 0; e < elements_.size(); ++e) {
+    words_ = (count_ + 1 + 63) / 64;
+    if (words_ > 2) heap_words_.reset(new uint64_t[3 * words_]);
+    uint64_t* words = words_ > 2 ? heap_words_.get() : local_words_;
+    star_ = words;
+    state_ = words + words_;
+    next_ = words + 2 * words_;
+    for (size_t w = 0; w < words_; ++w) star_[w] = 0;
+    for (size_t e = 0; e < count_; ++e) {
       if (elements_[e].kind == Kind::kStar) star_[e / 64] |= uint64_t{1} << (e % 64);
     }
-    // Masks of the ASCII characters are worked out once; others on demand.
-    ascii_.assign(128 * words_, 0);
-    for (char32_t c = 0; c < 128; ++c) FillMask(c, &ascii_[c * words_]);
   }
 
-  bool Match(const char16_t* text, size_t n, uint64_t* steps) const {
-    std::vector<uint64_t> state(words_, 0), mask(words_, 0);
-    state[0] = 1;
-    Close(state);
-    uint64_t count = words_;
+  // Match compares the elements before the first star and after the last one
+  // directly with the start and the end of the text; only the text between them
+  // goes through the automaton, from the first star to the last.
+  bool Match(const char16_t* text, size_t n, uint64_t* steps) {
+    size_t first = 0;
+    while (first < count_ && elements_[first].kind != Kind::kStar) ++first;
+    size_t begin = 0;
+    uint64_t direct = 0;
+    for (size_t e = 0; e < first; ++e, ++direct) {
+      if (begin >= n) return Done(steps, direct, false);
+      const char32_t c = Next(text, n, begin);
+      if (!Takes(elements_[e], c, Fold(c))) return Done(steps, direct, false);
+    }
+    if (first == count_) return Done(steps, direct, begin == n);
+    size_t last = count_ - 1;
+    while (elements_[last].kind != Kind::kStar) --last;
+    size_t end = n;
+    for (size_t e = count_ - 1; e > last; --e, ++direct) {
+      if (end <= begin) return Done(steps, direct, false);
+      const char32_t c = Previous(text, begin, end);
+      if (!Takes(elements_[e], c, Fold(c))) return Done(steps, direct, false);
+    }
+    if (first == last) return Done(steps, direct, true);
+    return Run(text + begin, end - begin, first, last, steps, direct);
+  }
+
+ private:
+  static bool Done(uint64_t* steps, uint64_t count, bool result) {
+    if (steps != nullptr) *steps += count;
+    return result;
+  }
+
+  // Previous reads the character that ends just before text[end] (not before
+  // text[begin]) and moves end back over it.
+  static char32_t Previous(const char16_t* text, size_t begin, size_t& end) {
+    const char16_t c = text[--end];
+    if (IsTrail(c) && end > begin && IsLead(text[end - 1])) {
+      const char16_t lead = text[--end];
+      return 0x10000 + ((char32_t(lead) - 0xD800) << 10) + (c - 0xDC00);
+    }
+    return c;
+  }
+
+  // Run is the automaton over text, starting in the state of star element first
+  // and accepting in that of star element last.
+  bool Run(const char16_t* text, size_t n, size_t first, size_t last, uint64_t* steps,
+           uint64_t count) {
+    for (size_t w = 0; w < words_; ++w) state_[w] = 0;
+    state_[first / 64] = uint64_t{1} << (first % 64);
+    Close(state_);
+    count += words_;
     size_t i = 0;
     bool alive = true;
     while (i < n && alive) {
       const char32_t c = Next(text, n, i);
-      const uint64_t* m = c < 128 ? &ascii_[c * words_] : mask.data();
-      if (c >= 128) {
-        FillMask(c, mask.data());
-        count += elements_.size();
+      const char32_t folded = Fold(c);
+      // next = the states after every live non-star element that takes c, plus the
+      // live stars (which take c and stay); then closed over stars.
+      for (size_t w = 0; w < words_; ++w) next_[w] = state_[w] & star_[w];
+      for (size_t w = 0; w < words_; ++w) {
+        uint64_t live = state_[w] & ~star_[w];
+        while (live != 0) {
+          const size_t e = w * 64 + static_cast<size_t>(__builtin_ctzll(live));
+          live &= live - 1;
+          ++count;
+          if (e < count_ && Takes(elements_[e], c, folded)) {
+            next_[(e + 1) / 64] |= uint64_t{1} << ((e + 1) % 64);
+          }
+        }
       }
-      // state' = ((state & match) << 1) | (state & star), then close over stars.
-      uint64_t carry = 0;
+      Close(next_);
       alive = false;
       for (size_t w = 0; w < words_; ++w) {
-        const uint64_t moved = state[w] & m[w];
-        const uint64_t next = (moved << 1) | carry | (state[w] & star_[w]);
-        carry = moved >> 63;
-        state[w] = next;
+        state_[w] = next_[w];
+        alive |= state_[w] != 0;
       }
-      Close(state);
-      for (size_t w = 0; w < words_; ++w) alive |= state[w] != 0;
       count += words_;
     }
     if (steps != nullptr) *steps += count;
-    const size_t accept = elements_.size();
-    return alive && (state[accept / 64] >> (accept % 64) & 1) != 0;
+    return alive && (state_[last / 64] >> (last % 64) & 1) != 0;
   }
 
- private:
   char32_t Fold(char32_t c) const { return ignore_case_ ? Lower(c) : c; }
+
+  bool Takes(const Element& e, char32_t c, char32_t folded) const {
+    switch (e.kind) {
+      case Kind::kChar:
+        return e.c == folded;
+      case Kind::kAny:
+        return true;
+      case Kind::kSet:
+        return InSet(e, c);
+      case Kind::kStar:
+        break;
+    }
+    return false;
+  }
 
   // ParseSet reads a set whose '[' is just behind i; false, with i unchanged,
   // when no ']' closes it.
   bool ParseSet(const char16_t* p, size_t n, size_t& i) {
     size_t j = i;
-    Element e{Kind::kSet};
+    Element e{Kind::kSet, false, 0, 0, 0};
     if (j < n && p[j] == u'!') {
       e.negate = true;
       ++j;
@@ -131,7 +205,7 @@ class Pattern {
     if (close < n && p[close] == u']') ++close;  // a leading ']' is a member
     while (close < n && p[close] != u']') ++close;
     if (close >= n) return false;
-    e.first = static_cast<uint32_t>(ranges_.size());
+    e.first = static_cast<uint32_t>(range_count_);
     while (j < close) {
       const char32_t low = Next(p, close, j);
       char32_t high = low;
@@ -139,10 +213,10 @@ class Pattern {
         ++j;
         high = Next(p, close, j);
       }
-      ranges_.push_back({low, high});
+      ranges_[range_count_++] = {low, high};
     }
-    e.last = static_cast<uint32_t>(ranges_.size());
-    elements_.push_back(e);
+    e.last = static_cast<uint32_t>(range_count_);
+    elements_[count_++] = e;
     i = close + 1;
     return true;
   }
@@ -161,32 +235,9 @@ class Pattern {
     return in != e.negate;
   }
 
-  void FillMask(char32_t c, uint64_t* mask) const {
-    const char32_t folded = Fold(c);
-    for (size_t w = 0; w < words_; ++w) mask[w] = 0;
-    for (size_t e = 0; e < elements_.size(); ++e) {
-      const Element& el = elements_[e];
-      bool hit = false;
-      switch (el.kind) {
-        case Kind::kChar:
-          hit = el.c == folded;
-          break;
-        case Kind::kAny:
-          hit = true;
-          break;
-        case Kind::kSet:
-          hit = InSet(el, c);
-          break;
-        case Kind::kStar:
-          break;
-      }
-      if (hit) mask[e / 64] |= uint64_t{1} << (e % 64);
-    }
-  }
-
   // Close adds the state after every reached star (a star may match nothing).
   // Stars never follow each other, so one pass is enough.
-  void Close(std::vector<uint64_t>& state) const {
+  void Close(uint64_t* state) const {
     uint64_t carry = 0;
     for (size_t w = 0; w < words_; ++w) {
       const uint64_t at_star = state[w] & star_[w];
@@ -197,11 +248,20 @@ class Pattern {
   }
 
   bool ignore_case_;
-  std::vector<Element> elements_;
-  std::vector<Range> ranges_;
+  Element local_elements_[kLocalUnits];
+  Range local_ranges_[kLocalUnits];
+  uint64_t local_words_[6];
+  std::unique_ptr<Element[]> heap_elements_;
+  std::unique_ptr<Range[]> heap_ranges_;
+  std::unique_ptr<uint64_t[]> heap_words_;
+  Element* elements_ = local_elements_;
+  Range* ranges_ = local_ranges_;
+  size_t count_ = 0;
+  size_t range_count_ = 0;
   size_t words_ = 1;
-  std::vector<uint64_t> star_;
-  std::vector<uint64_t> ascii_;
+  uint64_t* star_ = nullptr;
+  uint64_t* state_ = nullptr;
+  uint64_t* next_ = nullptr;
 };
 
 size_t Length(const char16_t* s) {
@@ -220,7 +280,7 @@ bool WildcardMatchCounted(const char16_t* pattern, size_t pattern_chars, const c
       pattern[1] == u'.' && pattern[2] == u'*') {
     return true;
   }
-  const Pattern compiled(pattern, pattern_chars, (flags & kWildcardIgnoreCase) != 0);
+  Pattern compiled(pattern, pattern_chars, (flags & kWildcardIgnoreCase) != 0);
   return compiled.Match(text, text_chars, steps);
 }
 

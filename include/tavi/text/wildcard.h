@@ -34,8 +34,9 @@ inline constexpr uint32_t kWildcardFileName = 2;    // "*.*" matches every name
 // otherwise file names follow the same rules, case-sensitive unless asked.
 //
 // The matcher never backtracks: it follows every way through the pattern at once,
-// so its time is linear in the text for a given pattern (at most text length times
-// ceil((pattern length + 1) / 64) word steps) and its memory is that of the pattern.
+// so its time is linear in the text for a given pattern (per character at most one
+// step per pattern element plus one per 64 elements) and it allocates nothing for
+// patterns of up to 48 code units, memory in proportion to the pattern beyond.
 // Any input is safe; nothing is an error.
 TAVI_API bool XWildcardMatch(const char16_t* pattern, size_t pattern_chars, const char16_t* text,
                              size_t text_chars, uint32_t flags = 0);

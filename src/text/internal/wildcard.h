@@ -11,8 +11,9 @@
 
 namespace tavi::text_internal {
 
-// WildcardMatchCounted matches like XWildcardMatch and adds the number of 64-bit
-// state-word operations it made to *steps (when steps is not null).
+// WildcardMatchCounted matches like XWildcardMatch and adds its steps to *steps
+// (when steps is not null): one per live pattern element tried against a
+// character and one per 64-bit state word handled.
 bool WildcardMatchCounted(const char16_t* pattern, size_t pattern_chars, const char16_t* text,
                           size_t text_chars, uint32_t flags, uint64_t* steps);
 
