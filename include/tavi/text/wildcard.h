@@ -20,7 +20,8 @@ inline constexpr uint32_t kWildcardFileName = 2;    // "*.*" matches every name
 // XWildcardMatch is true when the whole text matches the whole pattern. Both are
 // counted UTF-16 texts (lengths in code units). In the pattern:
 //   *        any run of characters, none included;
-//   ?        exactly one character (a surrogate pair is one character);
+//   ?        exactly one character (a surrogate pair is one character, and a
+//            lone surrogate in the pattern matches only a lone one in the text);
 //   [a-z0]   one character of the set: single characters and ranges;
 //   [!a-z]   one character not in the set.
 // A ']' right after "[" or "[!" belongs to the set ("[]]", "[!]]"); a '-' first or
