@@ -248,14 +248,15 @@ class Pattern {
   }
 
   bool ignore_case_;
-  Element local_elements_[kLocalUnits];
-  Range local_ranges_[kLocalUnits];
+  // Raw storage, so that nothing is cleared before it is written.
+  alignas(Element) unsigned char local_elements_[kLocalUnits * sizeof(Element)];
+  alignas(Range) unsigned char local_ranges_[kLocalUnits * sizeof(Range)];
   uint64_t local_words_[6];
   std::unique_ptr<Element[]> heap_elements_;
   std::unique_ptr<Range[]> heap_ranges_;
   std::unique_ptr<uint64_t[]> heap_words_;
-  Element* elements_ = local_elements_;
-  Range* ranges_ = local_ranges_;
+  Element* elements_ = reinterpret_cast<Element*>(local_elements_);
+  Range* ranges_ = reinterpret_cast<Range*>(local_ranges_);
   size_t count_ = 0;
   size_t range_count_ = 0;
   size_t words_ = 1;
