@@ -388,6 +388,24 @@ char16_t* HtmlToText::Put(char16_t c, char16_t* out) {
   return out_;
 }
 
+char16_t* HtmlToText::Run(const char16_t* in, size_t n, char16_t* out) {
+  const char16_t* end = in + n;
+  while (in < end) {
+    // Ordinary characters in running text with nothing owed go straight out.
+    if (mode_ == Mode::kText && need_ == 0 && separator_ == 0 && pre_ == 0) {
+      const char16_t* start = in;
+      while (in < end && *in != u'<' && *in != u'&' && !IsSpace(*in)) *out++ = *in++;
+      if (in != start) {
+        trailing_ = 0;
+        any_ = true;
+        continue;
+      }
+    }
+    out = Put(*in++, out);
+  }
+  return out;
+}
+
 char16_t* HtmlToText::Finish(char16_t* out) {
   out_ = out;
   switch (mode_) {
@@ -439,31 +457,24 @@ bool WriteUnits(XIO& out, const char16_t* data, size_t units) {
 }  // namespace
 
 char16_t* _HtmlToText(const char16_t* html, size_t html_chars, char16_t* out) {
-  // Output never runs ahead of input, but Put may settle several units at once, so
-  // it writes into a small window that is copied out.
+  // Everything written stands for input already read and is never taken back, so
+  // the text written so far never passes the final length: out's room suffices.
   text_internal::HtmlToText reader;
-  char16_t window[text_internal::HtmlToText::kMaxOut];
-  for (size_t i = 0; i < html_chars; ++i) {
-    const char16_t* end = reader.Put(html[i], window);
-    for (const char16_t* p = window; p < end; ++p) *out++ = *p;
-  }
-  const char16_t* end = reader.Finish(window);
-  for (const char16_t* p = window; p < end; ++p) *out++ = *p;
-  return out;
+  out = reader.Run(html, html_chars, out);
+  return reader.Finish(out);
 }
 
 bool XHtmlToText(XIO& out, const char16_t* html, size_t html_chars) {
   text_internal::HtmlToText reader;
   char16_t buffer[kChunk + text_internal::HtmlToText::kMaxOut];
-  char16_t* end = buffer;
-  for (size_t i = 0; i < html_chars; ++i) {
-    end = reader.Put(html[i], end);
-    if (end - buffer >= kChunk) {
-      if (!WriteUnits(out, buffer, static_cast<size_t>(end - buffer))) return false;
-      end = buffer;
-    }
+  while (html_chars > 0) {
+    const size_t n = html_chars < kChunk ? html_chars : kChunk;
+    const char16_t* end = reader.Run(html, n, buffer);
+    if (!WriteUnits(out, buffer, static_cast<size_t>(end - buffer))) return false;
+    html += n;
+    html_chars -= n;
   }
-  end = reader.Finish(end);
+  const char16_t* end = reader.Finish(buffer);
   return WriteUnits(out, buffer, static_cast<size_t>(end - buffer));
 }
 

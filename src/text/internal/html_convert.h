@@ -19,6 +19,10 @@ class HtmlToText {
 
   // Put reads one code unit and writes what it settles to out; returns the end.
   char16_t* Put(char16_t c, char16_t* out);
+  // Run reads n code units, as Put would one by one, writing straight to out: the
+  // text never runs ahead of the HTML, so out needs room for n units beyond what
+  // is kept back (at most kMaxOut).
+  char16_t* Run(const char16_t* in, size_t n, char16_t* out);
   // Finish settles what is kept back as at the end of input and starts afresh.
   char16_t* Finish(char16_t* out);
 
