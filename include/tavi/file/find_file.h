@@ -36,8 +36,8 @@ struct XFindData {
 };
 
 // XFindFile searches one folder. A pattern is a path whose last part may hold the
-// wildcards '*' (any run of characters) and '?' (one character); "*.*" matches
-// every name. Matching is exact code unit by code unit (case-sensitive on POSIX).
+// wildcards of XWildcardMatch (tavi/text/wildcard.h): '*', '?' and sets such as
+// "[a-c]"; "*.*" matches every name. Matching is case-sensitive on POSIX.
 // Failures are recorded in this object with the platform's numbers: 3 when the
 // folder is missing, 2 when nothing matches, 18 at the end of a search (reset to 0
 // by FindNext).

@@ -12,23 +12,11 @@
 #include <cstdint>
 
 #include "tavi/export.h"
+#include "tavi/text/language.h"
 
 namespace tavi {
 
-// Language identifier that names the user's default language.
-inline constexpr uint16_t kLanguageUserDefault = 0x0400;
-
-// Kinds of code page of XGetLanguageCodePage.
-inline constexpr int32_t kCodePageAnsi = 1;  // the 8-bit code page of the language's text
-inline constexpr int32_t kCodePageOem = 3;   // the code page of its console and DOS-era files
-
-// XGetLanguageCodePage returns the code page of the given kind (kCodePageAnsi or
-// kCodePageOem) for a Windows language identifier (only the primary language counts;
-// 0 and kLanguageUserDefault mean the user's default). A language the library has no
-// code page for gives the Western defaults 1252 and 850, or 0 when exact is set.
-// An unknown kind gives 0. Double-byte code pages (932, 936, 949, 950) are returned
-// as they are, though they have no 8-bit table.
-TAVI_API uint16_t XGetLanguageCodePage(uint16_t language, int32_t kind, bool exact);
+// The language code pages (XGetLanguageCodePage) are declared in language.h.
 
 // XSetChar16LUT fills lut[256] with the UTF-16 character of each byte of the 8-bit
 // code page (U+FFFD for a byte the code page leaves undefined; byte 0 is always

@@ -15,10 +15,10 @@
 #include <new>
 #include <string>
 
-#include "file/internal/wildcard.h"
 #include "platform/errors.h"
 #include "platform/file.h"
 #include "platform/text.h"
+#include "tavi/text/wildcard.h"
 
 namespace tavi {
 
@@ -793,8 +793,8 @@ bool NextMatch(XFindHandleRecord& search, XFindData& data) {
     if (entry == nullptr) return Fail(errno != 0 ? ErrorFromErrno(errno) : kErrorNoMoreFiles);
     const std::u16string name = Utf8ToUtf16(entry->d_name, std::strlen(entry->d_name));
     if (name.size() >= sizeof data.name / sizeof data.name[0]) continue;
-    if (!internal::WildcardMatch(search.mask.data(), search.mask.size(), name.data(),
-                                 name.size())) {
+    if (!XWildcardMatch(search.mask.data(), search.mask.size(), name.data(), name.size(),
+                        kWildcardFileName)) {
       continue;
     }
     FileFacts facts;

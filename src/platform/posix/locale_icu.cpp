@@ -16,6 +16,7 @@
 #include <mutex>
 
 #include "platform/locale.h"
+#include "tavi/text/language.h"
 
 namespace tavi::platform {
 
@@ -68,20 +69,6 @@ int32_t Length(const char16_t* s) {
   return n;
 }
 
-struct LanguageCodePage {
-  const char* language;
-  uint32_t code_page;
-};
-
-// Windows ANSI code page of each language that does not use 1252.
-constexpr LanguageCodePage kAnsiCodePages[] = {
-    {"cs", 1250}, {"pl", 1250}, {"hu", 1250}, {"sk", 1250}, {"sl", 1250}, {"hr", 1250},
-    {"ro", 1250}, {"sq", 1250}, {"bs", 1250}, {"ru", 1251}, {"uk", 1251}, {"be", 1251},
-    {"bg", 1251}, {"sr", 1251}, {"mk", 1251}, {"kk", 1251}, {"el", 1253}, {"tr", 1254},
-    {"az", 1254}, {"he", 1255}, {"ar", 1256}, {"fa", 1256}, {"ur", 1256}, {"lt", 1257},
-    {"lv", 1257}, {"et", 1257}, {"vi", 1258}, {"th", 874},
-};
-
 struct AnsiTable {
   uint32_t code_page = 1252;
   std::array<char16_t, 256> to_wide{};
@@ -90,16 +77,14 @@ struct AnsiTable {
 const AnsiTable& UserAnsiTable() {
   static const AnsiTable table = [] {
     AnsiTable t;
-    char language[16] = {};
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_getLanguage(uloc_getDefault(), language, sizeof language, &status);
-    for (const LanguageCodePage& entry : kAnsiCodePages) {
-      if (U_SUCCESS(status) && std::strcmp(entry.language, language) == 0)
-        t.code_page = entry.code_page;
-    }
+    // The library's one table of language code pages decides; a double-byte code
+    // page has no byte table, so the Western one stands in for it.
+    t.code_page = XGetLanguageCodePage(kLanguageUserDefault, kCodePageAnsi, false);
+    if (t.code_page == 932 || t.code_page == 936 || t.code_page == 949 || t.code_page == 950)
+      t.code_page = 1252;
     char name[32];
     std::snprintf(name, sizeof name, "windows-%u", t.code_page);
-    status = U_ZERO_ERROR;
+    UErrorCode status = U_ZERO_ERROR;
     UConverter* conv = ucnv_open(name, &status);
     for (int i = 0; i < 256; ++i) {
       char byte = static_cast<char>(i);
