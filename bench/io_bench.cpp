@@ -38,6 +38,30 @@ std::vector<uint64_t> SpreadValues(int n) {
   return v;
 }
 
+void WriteFields(XBuffer& buffer, const std::vector<uint64_t>& values, uint32_t width) {
+  XBitStream bits(&buffer);
+  for (uint64_t v : values) bits.SetBits(v, width);
+  bits._Flush();
+}
+
+void CountBits(benchmark::State& state, uint32_t width) {
+  state.counters["bits/s"] = benchmark::Counter(
+      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+}
+
+// Packed numbers of every length written into a buffer; `write` is inlined.
+template <typename Write>
+void WriteNumbers(benchmark::State& state, Write write) {
+  const auto values = SpreadValues(kFields);
+  XBuffer buffer(1 << 16);
+  for (auto _ : state) {
+    buffer.ResetBufferPos();
+    for (uint64_t v : values) write(buffer, v);
+    benchmark::DoNotOptimize(buffer.GetBuffer());
+  }
+  state.SetItemsProcessed(state.iterations() * kFields);
+}
+
 void BM_SetBits(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
@@ -50,8 +74,7 @@ void BM_SetBits(benchmark::State& state) {
     benchmark::DoNotOptimize(buffer.GetBuffer());
   }
   state.SetItemsProcessed(state.iterations() * kFields * width);
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_SetBits)->Arg(1)->Arg(3)->Arg(7)->Arg(13)->Arg(32)->Arg(57)->Arg(64);
 
@@ -68,8 +91,7 @@ void BM_SetBitsOneByOne(benchmark::State& state) {
     bits._Flush();
     benchmark::DoNotOptimize(buffer.GetBuffer());
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_SetBitsOneByOne)->Arg(1)->Arg(7)->Arg(32)->Arg(64);
 
@@ -77,11 +99,7 @@ void BM_GetBits(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
   XBuffer buffer(1 << 16);
-  {
-    XBitStream bits(&buffer);
-    for (uint64_t v : values) bits.SetBits(v, width);
-    bits._Flush();
-  }
+  WriteFields(buffer, values, width);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
     XBitStream bits(&buffer);
@@ -92,8 +110,7 @@ void BM_GetBits(benchmark::State& state) {
     }
     benchmark::DoNotOptimize(sum);
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_GetBits)->Arg(1)->Arg(3)->Arg(7)->Arg(13)->Arg(32)->Arg(57)->Arg(64);
 
@@ -101,11 +118,7 @@ void BM_GetBitsOneByOne(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
   XBuffer buffer(1 << 16);
-  {
-    XBitStream bits(&buffer);
-    for (uint64_t v : values) bits.SetBits(v, width);
-    bits._Flush();
-  }
+  WriteFields(buffer, values, width);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
     XBitStream bits(&buffer);
@@ -121,20 +134,12 @@ void BM_GetBitsOneByOne(benchmark::State& state) {
     }
     benchmark::DoNotOptimize(sum);
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_GetBitsOneByOne)->Arg(1)->Arg(7)->Arg(32)->Arg(64);
 
 void BM_WritePackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
-  XBuffer buffer(1 << 16);
-  for (auto _ : state) {
-    buffer.ResetBufferPos();
-    for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
-    benchmark::DoNotOptimize(buffer.GetBuffer());
-  }
-  state.SetItemsProcessed(state.iterations() * kFields);
+  WriteNumbers(state, [](XBuffer& b, uint64_t v) { tavi::_WritePackNumber(b, v); });
 }
 BENCHMARK(BM_WritePackNumber64);
 
@@ -156,14 +161,7 @@ void BM_ReadPackNumber64(benchmark::State& state) {
 BENCHMARK(BM_ReadPackNumber64);
 
 void BM_WritePackNumber32Family(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
-  XBuffer buffer(1 << 16);
-  for (auto _ : state) {
-    buffer.ResetBufferPos();
-    for (uint64_t v : values) tavi::_WritePackNumber32(buffer, v);
-    benchmark::DoNotOptimize(buffer.GetBuffer());
-  }
-  state.SetItemsProcessed(state.iterations() * kFields);
+  WriteNumbers(state, [](XBuffer& b, uint64_t v) { tavi::_WritePackNumber32(b, v); });
 }
 BENCHMARK(BM_WritePackNumber32Family);
 
