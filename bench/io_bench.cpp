@@ -49,6 +49,22 @@ void CountBits(benchmark::State& state, uint32_t width) {
       static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
 }
 
+// The spread values as packed numbers.
+void WritePacked(XBuffer& buffer) {
+  for (uint64_t v : SpreadValues(kFields)) tavi::_WritePackNumber(buffer, v);
+}
+
+// Reads kFields values through `read` and keeps their sum, so none is optimised away.
+template <typename Read>
+void SumFields(Read read) {
+  uint64_t sum = 0, v;
+  for (int i = 0; i < kFields; ++i) {
+    read(v);
+    sum += v;
+  }
+  benchmark::DoNotOptimize(sum);
+}
+
 // Packed numbers of every length written into a buffer; `write` is inlined.
 template <typename Write>
 void WriteNumbers(benchmark::State& state, Write write) {
@@ -103,12 +119,7 @@ void BM_GetBits(benchmark::State& state) {
   for (auto _ : state) {
     buffer.ResetCurrentPos();
     XBitStream bits(&buffer);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      bits.GetBits(v, width);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { bits.GetBits(v, width); });
   }
   CountBits(state, width);
 }
@@ -144,17 +155,11 @@ void BM_WritePackNumber64(benchmark::State& state) {
 BENCHMARK(BM_WritePackNumber64);
 
 void BM_ReadPackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
   XBuffer buffer(1 << 16);
-  for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
+  WritePacked(buffer);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::_ReadPackNumber(buffer, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::_ReadPackNumber(buffer, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields);
 }
@@ -166,17 +171,11 @@ void BM_WritePackNumber32Family(benchmark::State& state) {
 BENCHMARK(BM_WritePackNumber32Family);
 
 void BM_GetPackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
   XBuffer buffer(1 << 16);
-  for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
+  WritePacked(buffer);
   for (auto _ : state) {
     const void* p = buffer.GetBuffer();
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::GetPackNumber(v, p, &p);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::GetPackNumber(v, p, &p); });
   }
   state.SetItemsProcessed(state.iterations() * kFields);
 }
@@ -191,12 +190,7 @@ void BM_BitPackNumber64(benchmark::State& state) {
     for (uint64_t v : values) tavi::WritePackNumber(out, v);
     out._Flush();
     XBitStream in(&buffer);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::ReadPackNumber(in, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::ReadPackNumber(in, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields * 2);
 }
@@ -238,12 +232,7 @@ void BM_PackNumberWriteRead(benchmark::State& state) {
   for (auto _ : state) {
     buffer.ResetBufferPos();
     for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::_ReadPackNumber(buffer, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::_ReadPackNumber(buffer, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields * 2);
 }

@@ -22,10 +22,7 @@ namespace {
 
 using namespace tavi::internal;
 
-using tavi_bench::AsciiText;
-using tavi_bench::kTextBytes;
-using tavi_bench::Repeat;
-using tavi_bench::Wide;
+using namespace tavi_bench;
 
 const std::string& MixedText() {
   static const std::string text = Repeat(
