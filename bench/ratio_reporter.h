@@ -84,6 +84,8 @@ struct RatioTable {
   }
 };
 
+// Prints as the console reporter does and keeps each benchmark's mean time per
+// iteration, by registered name, for PrintRatios.
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
   explicit RatioReporter(RatioTable table) : table_(std::move(table)) {}
@@ -98,6 +100,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
     ConsoleReporter::ReportRuns(runs);
   }
 
+  // One row per tavi implementation and peer of its group that ran; a tavi row
+  // without a peer shows its figure alone.
   void PrintRatios() const {
     std::printf("\n%s\n", table_.title.c_str());
     size_t width = 0;
