@@ -10,7 +10,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
@@ -20,6 +19,7 @@
 #include <vector>
 
 #include "platform/locale.h"
+#include "ratio_reporter.h"
 #include "tavi/coll/collection.h"
 #include "tavi/coll/string_coll.h"
 
@@ -176,38 +176,6 @@ void RegisterStrings() {
   }
 }
 
-// Collects the mean CPU time per iteration (the machines this runs on are often shared,
-// so wall time says more about the neighbours than about the code) of each benchmark while printing
-// as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      const std::string name = run.benchmark_name();
-      seconds_[name] = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nCPU time relative to each peer of the group (below 1 is faster):\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      for (const auto& [peer, peer_secs] : seconds_) {
-        if (peer.compare(0, slash + 1, group + "/") != 0 || peer == name) continue;
-        std::printf("  %-28s %9.2f ms  %5.2fx %s\n", name.c_str(), secs * 1e3, secs / peer_secs,
-                    peer.c_str() + slash + 1);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -217,9 +185,11 @@ int main(int argc, char** argv) {
   SortedWords();
   RegisterSorts();
   RegisterStrings();
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("CPU time relative to each peer of the group (below 1 is faster):")
+          .CpuTime()
+          .TimeRatio()
+          .Milliseconds());
   benchmark::Shutdown();
   return 0;
 }

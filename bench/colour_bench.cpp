@@ -9,12 +9,11 @@
 //===----------------------------------------------------------------------===//
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "colour/internal/lab_kernel.h"
+#include "ratio_reporter.h"
 #include "tavi/colour/colour.h"
 
 namespace {
@@ -56,37 +55,6 @@ void Register(const char* name, Body body) {
       ->UseRealTime()
       ->Unit(benchmark::kMillisecond);
 }
-
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      std::string name = run.benchmark_name();
-      const size_t suffix = name.find("/real_time");
-      if (suffix != std::string::npos) name.erase(suffix);
-      seconds_[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nColours per second, and relative to the textbook peer of each group:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      const auto peer = seconds_.find(group + "/textbook");
-      std::printf("  %-36s %8.1f M/s", name.c_str(), kCount / secs / 1e6);
-      if (peer != seconds_.end()) std::printf("  %5.2fx textbook", peer->second / secs);
-      std::printf("\n");
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
 
 }  // namespace
 
@@ -137,9 +105,10 @@ int main(int argc, char** argv) {
     benchmark::DoNotOptimize(sum);
   });
 
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Colours per second, and relative to the textbook peer of each group:",
+                             {"textbook"})
+          .PerSecond("M/s", kCount));
   benchmark::Shutdown();
   return 0;
 }

@@ -9,7 +9,6 @@
 #include <openssl/evp.h>
 #include <zlib.h>
 
-#include <cstdio>
 #include <functional>
 #include <map>
 #include <string>
@@ -18,6 +17,7 @@
 #include "crypt/internal/aes256_kernel.h"
 #include "crypt/internal/crc32_kernel.h"
 #include "crypt/internal/sha256_kernel.h"
+#include "ratio_reporter.h"
 #include "tavi/core/buffer.h"
 #include "tavi/crypt/aes256.h"
 #include "tavi/crypt/crc32.h"
@@ -175,40 +175,6 @@ void RegisterAesFilter() {
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      std::string name = run.benchmark_name();
-      const size_t suffix = name.find("/real_time");
-      if (suffix != std::string::npos) name.erase(suffix);
-      seconds_[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput relative to the peer of each group:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      const std::string impl = name.substr(slash + 1);
-      if (impl.rfind("tavi", 0) != 0) continue;
-      for (const char* peer : {"zlib", "openssl"}) {
-        const auto it = seconds_.find(group + "/" + peer);
-        if (it == seconds_.end()) continue;
-        const double mbps = BytesPerIteration().at(name) / secs / 1e6;
-        std::printf("  %-40s %9.0f MB/s  %5.2fx %s\n", name.c_str(), mbps, it->second / secs, peer);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -219,9 +185,11 @@ int main(int argc, char** argv) {
   RegisterSha256();
   RegisterAes();
   RegisterAesFilter();
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput relative to the peer of each group:", {"zlib", "openssl"})
+          .PerSecond("MB/s", [](const std::string& name) {
+            return static_cast<double>(BytesPerIteration().at(name));
+          }));
   benchmark::Shutdown();
   return 0;
 }

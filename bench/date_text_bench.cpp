@@ -15,12 +15,12 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
-#include <map>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "ratio_reporter.h"
 #include "tavi/time/date_time_text.h"
 
 namespace {
@@ -134,34 +134,6 @@ void RegisterCase(const Case& c) {
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      seconds_[run.benchmark_name()] =
-          run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nSpeed relative to ICU in each group:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      const auto peer = seconds_.find(name.substr(0, slash) + "/icu");
-      if (peer == seconds_.end()) continue;
-      std::printf("  %-36s %7.1f ns/value  %6.2fx icu\n", name.c_str(), secs / kCount * 1e9,
-                  peer->second / secs);
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -174,9 +146,8 @@ int main(int argc, char** argv) {
       {"ruRU_short", 0x0419, "ru_RU@calendar=gregorian", kDateShortMonth, u"yMMMd"},
   };
   for (const Case& c : cases) RegisterCase(c);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(tavi_bench::RatioTable("Speed relative to ICU in each group:", {"icu"})
+                                .NsPer("value", kCount));
   benchmark::Shutdown();
   return 0;
 }

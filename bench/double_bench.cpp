@@ -12,11 +12,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "ratio_reporter.h"
 #include "tavi/format/double_text.h"
 
 namespace {
@@ -78,25 +79,20 @@ void Register(const std::string& name, Body body) {
 }
 
 void RegisterPrint(const std::string& group, const std::vector<double>& values) {
-  Register(group + "/tavi_auto_width16", [&values] {
-    const strEnvNumberOptions options;
-    char16_t text[kDoubleTextCapacity];
-    uint32_t length;
-    for (double d : values) {
-      _DoubleToString(length, d, text, edpAuto, -1, options);
-      benchmark::DoNotOptimize(text[0]);
-    }
-  });
-  Register(group + "/tavi_auto_shortest", [&values] {
-    strEnvNumberOptions options;
-    options.PrintWidth = 40;
-    char16_t text[kDoubleTextCapacity];
-    uint32_t length;
-    for (double d : values) {
-      _DoubleToString(length, d, text, edpAuto, -1, options);
-      benchmark::DoNotOptimize(text[0]);
-    }
-  });
+  // The default print width of 16 digits, and a width that gives the shortest text.
+  strEnvNumberOptions shortest;
+  shortest.PrintWidth = 40;
+  for (const auto& [impl, options] : {std::pair{"/tavi_auto_width16", strEnvNumberOptions{}},
+                                      std::pair{"/tavi_auto_shortest", shortest}}) {
+    Register(group + impl, [&values, options] {
+      char16_t text[kDoubleTextCapacity];
+      uint32_t length;
+      for (double d : values) {
+        _DoubleToString(length, d, text, edpAuto, -1, options);
+        benchmark::DoNotOptimize(text[0]);
+      }
+    });
+  }
   Register(group + "/snprintf_17g", [&values] {
     char text[64];
     for (double d : values) {
@@ -135,38 +131,6 @@ void RegisterParse(const std::string& group, const Texts& texts) {
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      seconds_[run.benchmark_name()] =
-          run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nSpeed relative to each peer of the group (above 1: tavi is faster):\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      const double ns = secs / kCount * 1e9;
-      for (const char* peer : {"snprintf_17g", "to_chars", "strtod", "from_chars"}) {
-        const auto it = seconds_.find(group + "/" + peer);
-        if (it == seconds_.end()) continue;
-        std::printf("  %-36s %6.1f ns/value  %5.2fx %s\n", name.c_str(), ns, it->second / secs,
-                    peer);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -177,9 +141,10 @@ int main(int argc, char** argv) {
   RegisterPrint("Print_unit", UnitValues());
   RegisterParse("Parse_any", all_texts);
   RegisterParse("Parse_unit", unit_texts);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Speed relative to each peer of the group (above 1: tavi is faster):",
+                             {"snprintf_17g", "to_chars", "strtod", "from_chars"})
+          .NsPer("value", kCount));
   benchmark::Shutdown();
   return 0;
 }

@@ -11,10 +11,10 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "ratio_reporter.h"
 #include "tavi/core/string.h"
 #include "tavi/file/file.h"
 
@@ -41,13 +41,7 @@ XString16 Name() {
   return name;
 }
 
-std::map<std::string, size_t>& BytesPerIteration() {
-  static std::map<std::string, size_t> bytes;
-  return bytes;
-}
-
 void Register(const std::string& name, void (*body)(benchmark::State&, size_t), size_t piece) {
-  BytesPerIteration()[name] = kTotal;
   benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
     body(state, piece);
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * kTotal));
@@ -108,34 +102,6 @@ void ReadStdio(benchmark::State& state, size_t piece) {
   }
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      seconds_[run.benchmark_name()] =
-          run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput relative to stdio:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      if (name.substr(slash + 1) != "tavi") continue;
-      const auto it = seconds_.find(name.substr(0, slash) + "/stdio");
-      if (it == seconds_.end()) continue;
-      const double mbps = static_cast<double>(BytesPerIteration().at(name)) / secs / 1e6;
-      std::printf("  %-24s %9.0f MB/s  %5.2fx stdio\n", name.c_str(), mbps, it->second / secs);
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -151,9 +117,8 @@ int main(int argc, char** argv) {
     Register("Read" + p + "B/tavi", ReadTavi, piece);
     Register("Read" + p + "B/stdio", ReadStdio, piece);
   }
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput relative to stdio:", {"stdio"}).PerSecond("MB/s", kTotal));
   std::remove(Path().c_str());
   benchmark::Shutdown();
   return 0;

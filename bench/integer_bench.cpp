@@ -8,15 +8,14 @@
 #include <benchmark/benchmark.h>
 
 #include <charconv>
-#include <cstdio>
 #include <functional>
-#include <map>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "format/internal/digits.h"
+#include "ratio_reporter.h"
 #include "tavi/format/integer_text.h"
 
 namespace {
@@ -101,34 +100,6 @@ void RegisterParse(const std::string& group, const std::vector<uint64_t>& values
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      seconds_[run.benchmark_name()] =
-          run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nSpeed relative to the standard library in each group:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      const auto peer = seconds_.find(name.substr(0, slash) + "/std");
-      if (peer == seconds_.end()) continue;
-      std::printf("  %-32s %6.2f ns/value  %5.2fx std\n", name.c_str(), secs / kCount * 1e9,
-                  peer->second / secs);
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -140,9 +111,9 @@ int main(int argc, char** argv) {
   RegisterFormat("Format32_mixed", small);
   RegisterParse("Parse64_uniform", Values(false));
   RegisterParse("Parse64_mixed", Values(true));
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Speed relative to the standard library in each group:", {"std"})
+          .NsPer("value", kCount));
   benchmark::Shutdown();
   return 0;
 }

@@ -38,6 +38,46 @@ std::vector<uint64_t> SpreadValues(int n) {
   return v;
 }
 
+void WriteFields(XBuffer& buffer, const std::vector<uint64_t>& values, uint32_t width) {
+  XBitStream bits(&buffer);
+  for (uint64_t v : values) bits.SetBits(v, width);
+  bits._Flush();
+}
+
+void CountBits(benchmark::State& state, uint32_t width) {
+  state.counters["bits/s"] = benchmark::Counter(
+      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+}
+
+// The spread values as packed numbers.
+void WritePacked(XBuffer& buffer) {
+  for (uint64_t v : SpreadValues(kFields)) tavi::_WritePackNumber(buffer, v);
+}
+
+// Reads kFields values through `read` and keeps their sum, so none is optimised away.
+template <typename Read>
+void SumFields(Read read) {
+  uint64_t sum = 0, v;
+  for (int i = 0; i < kFields; ++i) {
+    read(v);
+    sum += v;
+  }
+  benchmark::DoNotOptimize(sum);
+}
+
+// Packed numbers of every length written into a buffer; `write` is inlined.
+template <typename Write>
+void WriteNumbers(benchmark::State& state, Write write) {
+  const auto values = SpreadValues(kFields);
+  XBuffer buffer(1 << 16);
+  for (auto _ : state) {
+    buffer.ResetBufferPos();
+    for (uint64_t v : values) write(buffer, v);
+    benchmark::DoNotOptimize(buffer.GetBuffer());
+  }
+  state.SetItemsProcessed(state.iterations() * kFields);
+}
+
 void BM_SetBits(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
@@ -50,8 +90,7 @@ void BM_SetBits(benchmark::State& state) {
     benchmark::DoNotOptimize(buffer.GetBuffer());
   }
   state.SetItemsProcessed(state.iterations() * kFields * width);
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_SetBits)->Arg(1)->Arg(3)->Arg(7)->Arg(13)->Arg(32)->Arg(57)->Arg(64);
 
@@ -68,8 +107,7 @@ void BM_SetBitsOneByOne(benchmark::State& state) {
     bits._Flush();
     benchmark::DoNotOptimize(buffer.GetBuffer());
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_SetBitsOneByOne)->Arg(1)->Arg(7)->Arg(32)->Arg(64);
 
@@ -77,23 +115,13 @@ void BM_GetBits(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
   XBuffer buffer(1 << 16);
-  {
-    XBitStream bits(&buffer);
-    for (uint64_t v : values) bits.SetBits(v, width);
-    bits._Flush();
-  }
+  WriteFields(buffer, values, width);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
     XBitStream bits(&buffer);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      bits.GetBits(v, width);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { bits.GetBits(v, width); });
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_GetBits)->Arg(1)->Arg(3)->Arg(7)->Arg(13)->Arg(32)->Arg(57)->Arg(64);
 
@@ -101,11 +129,7 @@ void BM_GetBitsOneByOne(benchmark::State& state) {
   const auto width = static_cast<uint32_t>(state.range(0));
   const auto values = RandomValues(kFields, width);
   XBuffer buffer(1 << 16);
-  {
-    XBitStream bits(&buffer);
-    for (uint64_t v : values) bits.SetBits(v, width);
-    bits._Flush();
-  }
+  WriteFields(buffer, values, width);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
     XBitStream bits(&buffer);
@@ -121,64 +145,37 @@ void BM_GetBitsOneByOne(benchmark::State& state) {
     }
     benchmark::DoNotOptimize(sum);
   }
-  state.counters["bits/s"] = benchmark::Counter(
-      static_cast<double>(state.iterations()) * kFields * width, benchmark::Counter::kIsRate);
+  CountBits(state, width);
 }
 BENCHMARK(BM_GetBitsOneByOne)->Arg(1)->Arg(7)->Arg(32)->Arg(64);
 
 void BM_WritePackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
-  XBuffer buffer(1 << 16);
-  for (auto _ : state) {
-    buffer.ResetBufferPos();
-    for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
-    benchmark::DoNotOptimize(buffer.GetBuffer());
-  }
-  state.SetItemsProcessed(state.iterations() * kFields);
+  WriteNumbers(state, [](XBuffer& b, uint64_t v) { tavi::_WritePackNumber(b, v); });
 }
 BENCHMARK(BM_WritePackNumber64);
 
 void BM_ReadPackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
   XBuffer buffer(1 << 16);
-  for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
+  WritePacked(buffer);
   for (auto _ : state) {
     buffer.ResetCurrentPos();
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::_ReadPackNumber(buffer, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::_ReadPackNumber(buffer, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields);
 }
 BENCHMARK(BM_ReadPackNumber64);
 
 void BM_WritePackNumber32Family(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
-  XBuffer buffer(1 << 16);
-  for (auto _ : state) {
-    buffer.ResetBufferPos();
-    for (uint64_t v : values) tavi::_WritePackNumber32(buffer, v);
-    benchmark::DoNotOptimize(buffer.GetBuffer());
-  }
-  state.SetItemsProcessed(state.iterations() * kFields);
+  WriteNumbers(state, [](XBuffer& b, uint64_t v) { tavi::_WritePackNumber32(b, v); });
 }
 BENCHMARK(BM_WritePackNumber32Family);
 
 void BM_GetPackNumber64(benchmark::State& state) {
-  const auto values = SpreadValues(kFields);
   XBuffer buffer(1 << 16);
-  for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
+  WritePacked(buffer);
   for (auto _ : state) {
     const void* p = buffer.GetBuffer();
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::GetPackNumber(v, p, &p);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::GetPackNumber(v, p, &p); });
   }
   state.SetItemsProcessed(state.iterations() * kFields);
 }
@@ -193,12 +190,7 @@ void BM_BitPackNumber64(benchmark::State& state) {
     for (uint64_t v : values) tavi::WritePackNumber(out, v);
     out._Flush();
     XBitStream in(&buffer);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::ReadPackNumber(in, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::ReadPackNumber(in, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields * 2);
 }
@@ -240,12 +232,7 @@ void BM_PackNumberWriteRead(benchmark::State& state) {
   for (auto _ : state) {
     buffer.ResetBufferPos();
     for (uint64_t v : values) tavi::_WritePackNumber(buffer, v);
-    uint64_t sum = 0, v;
-    for (int i = 0; i < kFields; ++i) {
-      tavi::_ReadPackNumber(buffer, v);
-      sum += v;
-    }
-    benchmark::DoNotOptimize(sum);
+    SumFields([&](uint64_t& v) { tavi::_ReadPackNumber(buffer, v); });
   }
   state.SetItemsProcessed(state.iterations() * kFields * 2);
 }

@@ -16,10 +16,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
+#include "ratio_reporter.h"
 #include "tavi/coll/sized_record_coll.h"
 #include "tavi/core/string.h"
 #include "tavi/file/file.h"
@@ -101,13 +101,7 @@ std::string Path(const std::string& leaf) {
   return Folder() + "/tavi_persist_bench_" + std::to_string(getpid()) + leaf;
 }
 
-std::map<std::string, size_t>& BytesPerIteration() {
-  static std::map<std::string, size_t> bytes;
-  return bytes;
-}
-
 void Register(const std::string& name, std::function<void(benchmark::State&)> body) {
-  BytesPerIteration()[name] = Body().size();
   benchmark::RegisterBenchmark(
       name.c_str(),
       [=](benchmark::State& state) {
@@ -187,40 +181,6 @@ void ZlibLoad(benchmark::State& state, const std::string& leaf) {
   SplitRecords(body.data(), size);
 }
 
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      std::string name = run.benchmark_name();
-      const size_t suffix = name.find("/min_time");
-      if (suffix != std::string::npos) name.erase(suffix);
-      seconds_[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput (body of %zu bytes) relative to the peer of each group:\n",
-                Body().size());
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      const std::string impl = name.substr(slash + 1);
-      if (impl.rfind("tavi", 0) != 0) continue;
-      const double mbps = BytesPerIteration().at(name) / secs / 1e6;
-      for (const char* peer : {"stdio", "zlib"}) {
-        const auto it = seconds_.find(group + "/" + peer);
-        if (it == seconds_.end()) continue;
-        std::printf("  %-32s %7.0f MB/s  %5.2fx %s\n", name.c_str(), mbps, it->second / secs, peer);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -239,9 +199,11 @@ int main(int argc, char** argv) {
   Register("LoadPacked/tavi_lz", [](benchmark::State& s) { TaviLoad(s, "lz"); });
   Register("LoadPacked/tavi_lz_aes", [](benchmark::State& s) { TaviLoad(s, "lz_aes"); });
   Register("LoadPacked/zlib", [](benchmark::State& s) { ZlibLoad(s, "zlib_peer"); });
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput (body of " + std::to_string(Body().size()) +
+                                 " bytes) relative to the peer of each group:",
+                             {"stdio", "zlib"})
+          .PerSecond("MB/s", static_cast<double>(Body().size())));
   for (const char* leaf : {"raw", "raw_peer", "lz", "lz_aes", "zlib_peer"}) {
     std::remove(Path(leaf).c_str());
   }

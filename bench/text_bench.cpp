@@ -11,14 +11,14 @@
 #include <string.h>
 #include <unicode/ustring.h>
 
-#include <cstdio>
 #include <functional>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/internal/utf8.h"
+#include "ratio_reporter.h"
+#include "sample_text.h"
 #include "tavi/core/buffer.h"
 #include "tavi/text/case.h"
 #include "tavi/text/convert.h"
@@ -30,20 +30,7 @@ namespace {
 
 using namespace tavi;
 
-constexpr size_t kTextBytes = size_t{256} << 10;
-
-std::string Repeat(const std::string& sample) {
-  std::string s;
-  while (s.size() + sample.size() <= kTextBytes) s += sample;
-  return s;
-}
-
-const std::string& AsciiText() {
-  static const std::string text = Repeat(
-      "The quick brown fox jumps over the lazy dog; pack my box with five dozen liquor "
-      "jugs. 0123456789 (line end)\r\n");
-  return text;
-}
+using namespace tavi_bench;
 
 const std::string& MixedText() {
   static const std::string text = Repeat(
@@ -51,13 +38,6 @@ const std::string& MixedText() {
       "\u00dcben von Xylophonmusik qu\u00e4lt jeden gr\u00f6\u00dferen Zwerg. \u6211\u80fd"
       "\u541e\u4e0b\u73bb\u7483\u800c\u4e0d\u4f24\u8eab\u4f53\u3002 \U0001F600 ok\n");
   return text;
-}
-
-std::u16string Wide(const std::string& text) {
-  std::u16string wide(text.size(), u'\0');
-  wide.resize(internal::DecodeUtf8Replacing(reinterpret_cast<const uint8_t*>(text.data()),
-                                            text.size(), wide.data()));
-  return wide;
 }
 
 void Register(const std::string& name, size_t bytes, std::function<void()> body) {
@@ -139,35 +119,6 @@ void RegisterCase(const std::string& kind, const std::string& text) {
   });
 }
 
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      seconds_[run.benchmark_name()] =
-          run.cpu_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput relative to the peer of each group:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.compare(slash + 1, 4, "tavi") != 0 || secs <= 0) continue;
-      for (const auto& [peer, peer_secs] : seconds_) {
-        if (peer.compare(0, group.size() + 6, group + "/peer_") == 0)
-          std::printf("  %-44s %5.2fx %s\n", name.c_str(), peer_secs / secs,
-                      peer.c_str() + group.size() + 6);
-      }
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -178,9 +129,8 @@ int main(int argc, char** argv) {
   RegisterCase("ascii", AsciiText());
   RegisterCase("mixed", MixedText());
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput relative to the peer of each group:").CpuTime());
   benchmark::Shutdown();
   return 0;
 }

@@ -10,34 +10,19 @@
 #include <benchmark/benchmark.h>
 #include <unicode/ustring.h>
 
-#include <cstdio>
 #include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "core/internal/utf8.h"
+#include "ratio_reporter.h"
+#include "sample_text.h"
 
 namespace {
 
 using namespace tavi::internal;
 
-constexpr size_t kTextBytes = size_t{256} << 10;
-
-// Text of about kTextBytes UTF-8 bytes, made of whole repetitions of the sample.
-std::string Repeat(const std::string& sample) {
-  std::string s;
-  while (s.size() + sample.size() <= kTextBytes) s += sample;
-  return s;
-}
-
-const std::string& AsciiText() {
-  static const std::string text = Repeat(
-      "The quick brown fox jumps over the lazy dog; pack my box with five dozen liquor "
-      "jugs. 0123456789 (line "
-      "end)\r\n");
-  return text;
-}
+using namespace tavi_bench;
 
 const std::string& MixedText() {
   static const std::string text = Repeat(
@@ -48,13 +33,6 @@ const std::string& MixedText() {
       "\u30c8\u3092\u5909\u63db\u3057\u307e\u3059\u3002 \U0001F600\U0001F680\U0001F30D "
       "\u2728 ok\n");
   return text;
-}
-
-std::u16string Wide(const std::string& text) {
-  std::u16string wide(text.size(), u'\0');
-  wide.resize(
-      DecodeUtf8Replacing(reinterpret_cast<const uint8_t*>(text.data()), text.size(), wide.data()));
-  return wide;
 }
 
 void Register(const std::string& name, size_t bytes, std::function<void()> body,
@@ -113,43 +91,14 @@ void RegisterText(const std::string& kind, const std::string& text) {
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      std::string name = run.benchmark_name();
-      seconds_[name] = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput relative to ICU:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.compare(slash + 1, 4, "tavi") != 0) continue;
-      const auto peer = seconds_.find(group + "/icu");
-      if (peer == seconds_.end() || secs <= 0) continue;
-      std::printf("  %-32s %5.2fx icu\n", name.c_str(), peer->second / secs);
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   RegisterText("ascii", AsciiText());
   RegisterText("mixed", MixedText());
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput relative to ICU:", {"icu"}).CpuTime());
   benchmark::Shutdown();
   return 0;
 }

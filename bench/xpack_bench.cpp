@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "ratio_reporter.h"
 #include "tavi/core/buffer.h"
 #include "tavi/pack/container.h"
 
@@ -145,57 +146,32 @@ void RegisterCorpus(const Corpus& c) {
   });
 }
 
-// Collects the mean time per iteration of each benchmark while printing as usual.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred || run.run_type != Run::RT_Iteration || run.iterations == 0) continue;
-      std::string name = run.benchmark_name();
-      const size_t suffix = name.find("/min_time");
-      if (suffix != std::string::npos) name.erase(suffix);
-      seconds_[name] = run.real_accumulated_time / static_cast<double>(run.iterations);
-    }
-    ConsoleReporter::ReportRuns(runs);
+void PrintPackedSizes() {
+  std::printf("\nPacked sizes (percent of the input):\n");
+  for (const Corpus& c : Corpora()) {
+    const auto ours = PackedSizes().find("tavi_xpack " + c.name);
+    const auto zlib = PackedSizes().find("zlib " + c.name);
+    if (ours == PackedSizes().end() || zlib == PackedSizes().end()) continue;
+    std::printf("  %-18s %10zu bytes  xpack %10zu (%5.1f%%)  zlib6 %10zu (%5.1f%%)\n",
+                c.name.c_str(), c.data.size(), ours->second,
+                100.0 * static_cast<double>(ours->second) / static_cast<double>(c.data.size()),
+                zlib->second,
+                100.0 * static_cast<double>(zlib->second) / static_cast<double>(c.data.size()));
   }
-
-  void PrintRatios() const {
-    std::printf("\nThroughput (unpacked MB/s) relative to zlib level 6 / inflate:\n");
-    for (const auto& [name, secs] : seconds_) {
-      const size_t slash = name.find('/');
-      const std::string group = name.substr(0, slash);
-      if (name.substr(slash + 1) != "tavi_xpack") continue;
-      const auto peer = seconds_.find(group + "/zlib");
-      if (peer == seconds_.end()) continue;
-      const double bytes = static_cast<double>(BytesPerIteration().at(name));
-      std::printf("  %-36s %8.1f MB/s  zlib %8.1f MB/s  %5.2fx\n", group.c_str(),
-                  bytes / secs / 1e6, bytes / peer->second / 1e6, peer->second / secs);
-    }
-    std::printf("\nPacked sizes (percent of the input):\n");
-    for (const Corpus& c : Corpora()) {
-      const auto ours = PackedSizes().find("tavi_xpack " + c.name);
-      const auto zlib = PackedSizes().find("zlib " + c.name);
-      if (ours == PackedSizes().end() || zlib == PackedSizes().end()) continue;
-      std::printf("  %-18s %10zu bytes  xpack %10zu (%5.1f%%)  zlib6 %10zu (%5.1f%%)\n",
-                  c.name.c_str(), c.data.size(), ours->second,
-                  100.0 * static_cast<double>(ours->second) / static_cast<double>(c.data.size()),
-                  zlib->second,
-                  100.0 * static_cast<double>(zlib->second) / static_cast<double>(c.data.size()));
-    }
-  }
-
- private:
-  std::map<std::string, double> seconds_;
-};
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   for (const Corpus& c : Corpora()) RegisterCorpus(c);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  reporter.PrintRatios();
+  tavi_bench::RunWithRatios(
+      tavi_bench::RatioTable("Throughput (unpacked MB/s) relative to zlib level 6 / inflate:",
+                             {"zlib"})
+          .PerSecond("MB/s", [](const std::string& name) {
+            return static_cast<double>(BytesPerIteration().at(name));
+          }));
+  PrintPackedSizes();
   benchmark::Shutdown();
   return 0;
 }
