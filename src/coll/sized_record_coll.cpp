@@ -118,10 +118,6 @@ bool XSizedRecordColl::RoomForNext(XIO& in, uint32_t remaining) {
   return false;
 }
 
-void XSizedRecordColl::DropFrom(uint32_t first) {
-  if (Count > first) Free(first, Count - 1);
-}
-
 bool XSizedRecordColl::ReadRawRecord(XIO& in, XBuffer& gather, void*& block) {
   block = nullptr;
   uint8_t field[4];
@@ -174,7 +170,6 @@ bool XSizedRecordColl::ReadRaw(XIO& in) {
     in.SetSafeErrorCode(kErrNoMemory);
     return false;
   }
-  const uint32_t first = Count;
   XBuffer gather(64 * 1024);
   for (uint32_t left = stored; left > 0; --left) {
     void* block = nullptr;
@@ -184,10 +179,7 @@ bool XSizedRecordColl::ReadRaw(XIO& in) {
       in.SetSafeErrorCode(kErrNoMemory);
       ok = false;
     }
-    if (!ok) {
-      DropFrom(first);
-      return false;
-    }
+    if (!ok) return false;
   }
   return true;
 }
@@ -200,7 +192,6 @@ bool XSizedRecordColl::Read(XIO& in, bool utf8) {
     in.SetSafeErrorCode(kErrNoMemory);
     return false;
   }
-  const uint32_t first = Count;
   XBuffer work(1024);
   if (!work.AllocBuffer(1)) {
     in.SetSafeErrorCode(kErrNoMemory);
@@ -217,10 +208,7 @@ bool XSizedRecordColl::Read(XIO& in, bool utf8) {
       }
       if (!ok) in.SetSafeErrorCode(kErrNoMemory);
     }
-    if (!ok) {
-      DropFrom(first);
-      return false;
-    }
+    if (!ok) return false;
   }
   return true;
 }

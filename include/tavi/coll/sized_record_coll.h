@@ -36,8 +36,8 @@ class XSizedRecord;
 // follow the records actually read and a record larger than 1 MiB is gathered
 // before its block is allocated. Failure codes, in the stream: 0x20000004 (short or
 // malformed data), 0x20000001 (memory, a failed insertion, a raw record body that
-// cannot be read whole). A failed Read removes and frees the records it had added:
-// the collection is left as it was before the call.
+// cannot be read whole). A failed Read keeps the records it read before the failure,
+// appended after those held before the call; nothing else changes.
 class TAVI_API XSizedRecordColl : public XCollection {
  public:
   XSizedRecordColl() = default;
@@ -87,8 +87,6 @@ class TAVI_API XSizedRecordColl : public XCollection {
   // Reads one record of the raw form into a new block (null for a missing record);
   // records above 1 MiB are gathered in gather first.
   bool ReadRawRecord(XIO& in, XBuffer& gather, void*& block);
-  // Frees and removes the items from first on (a failed read's additions).
-  void DropFrom(uint32_t first);
 };
 
 }  // namespace tavi
