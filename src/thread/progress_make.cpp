@@ -51,9 +51,11 @@ bool MakeWithProgress(const Title& title, Fn fn, void* const* items, uint32_t co
   return ProgressEnd(progress);
 }
 
-// Hands out one item per lock. Before each hand-out the worker reports under
-// the lock what has finished: the first `threads` hand-outs start the workers
-// and count nothing; each later one means that its worker finished an item.
+// The calling thread starts alone, calling ProgressSet after each item as the
+// sequential form does. When work is left after the solo time, helpers join and
+// items are handed out one per lock; before each hand-out the worker reports
+// under the lock what has finished: a worker's first hand-out counts nothing,
+// each later one means that it finished an item.
 template <typename Fn>
 bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uint32_t count,
                               strProgressOptions& options) {
@@ -61,16 +63,24 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
   if (threads <= 1) return MakeWithProgress(title, fn, items, count, options);
   strProgress progress;
   title.Start(progress, count, options);
-  internal::WorkQueue queue(count, threads);
-  uint32_t priming = threads;
-  uint64_t done = 0;
+  uint32_t start;
+  const bool over = internal::RunSolo(count, start, [&](uint32_t i) {
+    void* item = items[i];
+    if (item == nullptr) return false;
+    fn(item);
+    return ProgressSet(progress, uint64_t{i} + 1) == kProgressRunning;
+  });
+  if (over) return ProgressEnd(progress);
+  internal::WorkQueue queue(start, count, threads);
+  uint64_t done = start;
   auto worker = [&] {
+    bool first = true;
     for (;;) {
       void* item;
       {
         std::lock_guard<std::mutex> lock(queue.mutex());
-        if (priming > 0) {
-          --priming;
+        if (first) {
+          first = false;
         } else {
           ++done;
         }
