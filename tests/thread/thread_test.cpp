@@ -68,18 +68,6 @@ TEST(XThread, LifecycleAndExitCode) {
   EXPECT_EQ(t.WaitForEnd(), kNone);
 }
 
-// The handle may be overwritten by a second Run; a copy names the same thread.
-TEST(XThread, CopiesShareTheThread) {
-  Gate gate;
-  gate.result = 0xFFFFFFFE;
-  gate.go = true;
-  XThread t;
-  ASSERT_TRUE(t.Run(GatedRoutine, &gate, kThreadPriorityLowest));
-  XThread copy = t;
-  EXPECT_TRUE(copy.WaitForObject());
-  EXPECT_EQ(t.WaitForEnd(), 0xFFFFFFFEu);
-}
-
 // Window 1 exists in the fake user interface; setting its text can release a
 // waiting routine so that the order of events is fixed.
 Gate* releaseOnText = nullptr;

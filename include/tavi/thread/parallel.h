@@ -118,11 +118,13 @@ TAVI_API void* XEnumMT(XItemPred3 pred, void* context1, void* context2, void* co
 // set and return ProgressEnd's result: true unless cancelled. A count of 0
 // returns true without touching the options. The sequential forms call
 // ProgressSet after each item, and so do the MT forms while the calling thread
-// works alone. Once helpers have joined, the MT forms hand out one item per
-// lock and call ProgressSet under that lock before each hand-out (a worker's
-// first hand-out counts nothing, each later one counts the item it finished);
-// once it reports cancellation no further item is handed out. A null item ends
-// its worker in the MT forms, as above.
+// works alone. Once helpers have joined, the MT forms hand out runs of at most
+// 1024 items and call ProgressSet under the hand-out lock before each one,
+// counting the items the worker finished since its previous hand-out; once it
+// reports cancellation no further run is handed out, and every worker also
+// reads the cancel flag before each item, so a cancelled call finishes at most
+// the item each worker is on. A null item ends its worker in the MT forms, as
+// above.
 
 TAVI_API bool XMake(const char16_t* title, uint32_t titleLen, XItemFunc1 fn, void* const* items,
                     uint32_t count, strProgressOptions& options);

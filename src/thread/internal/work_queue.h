@@ -16,11 +16,10 @@
 
 namespace tavi::internal {
 
-// WorkQueue hands out the positions 0..count-1 in increasing order under one
-// mutex. TakeRun gives runs of remaining / (4 * threads) positions, at least
+// WorkQueue hands out the positions first..count-1 in increasing order under
+// one mutex. TakeRun gives runs of remaining / (4 * threads) positions, at least
 // one: long runs while much is left keep the lock out of the per-item cost,
 // and runs shrink towards the end so that the threads finish together.
-// The hand-out may start part-way: positions first..count-1.
 class WorkQueue {
  public:
   WorkQueue(uint32_t first, uint32_t count, uint32_t threads)
@@ -29,18 +28,13 @@ class WorkQueue {
   std::mutex& mutex() { return mutex_; }
 
   // The Locked members expect mutex() to be held.
-  bool TakeRunLocked(uint32_t& first, uint32_t& count) {
+  // TakeRunLocked gives a run of at most maxRun positions.
+  bool TakeRunLocked(uint32_t& first, uint32_t& count, uint32_t maxRun = UINT32_MAX) {
     if (remaining_ == 0) return false;
-    count = std::max<uint32_t>(1, remaining_ / divisor_);
+    count = std::clamp<uint32_t>(remaining_ / divisor_, 1, maxRun);
     first = next_;
     next_ += count;
     remaining_ -= count;
-    return true;
-  }
-  bool TakeOneLocked(uint32_t& position) {
-    if (remaining_ == 0) return false;
-    position = next_++;
-    --remaining_;
     return true;
   }
   // After StopLocked nothing more is handed out.
