@@ -36,8 +36,15 @@ struct XPlatformThread {
   }
 };
 
+// The owner and its count of acquisitions are kept beside the mutex so that a
+// release by a thread that does not own it is refused without asking the
+// mutex (unlocking a mutex one does not hold is an error the thread checkers
+// report, even where the system refuses it cleanly).
 struct XPlatformMutex {
   pthread_mutex_t mutex;
+  std::atomic<pthread_t> owner{};  // meaningful while depth > 0
+  std::atomic<bool> owned{false};
+  uint32_t depth = 0;  // changed only by the owner
   std::atomic<int> refs{1};
 };
 
@@ -197,12 +204,25 @@ uint32_t WaitMutex(XPlatformMutex* mutex, uint32_t milliseconds) {
     }
     rc = pthread_mutex_timedlock(&mutex->mutex, &until);
   }
+  const pthread_t self = pthread_self();
   switch (rc) {
     case 0:
+      if (mutex->owned.load(std::memory_order_relaxed) &&
+          pthread_equal(mutex->owner.load(std::memory_order_relaxed), self)) {
+        ++mutex->depth;
+      } else {
+        mutex->owner.store(self, std::memory_order_relaxed);
+        mutex->owned.store(true, std::memory_order_relaxed);
+        mutex->depth = 1;
+      }
       return kWaitSignalled;
     case EOWNERDEAD:
-      // The owner ended holding it: we own it now; make it usable again.
+      // The owner ended holding it: we own it now (once, whatever its count
+      // was); make it usable again.
       pthread_mutex_consistent(&mutex->mutex);
+      mutex->owner.store(self, std::memory_order_relaxed);
+      mutex->owned.store(true, std::memory_order_relaxed);
+      mutex->depth = 1;
       return kWaitAbandoned;
     case EBUSY:
     case ETIMEDOUT:
@@ -213,7 +233,12 @@ uint32_t WaitMutex(XPlatformMutex* mutex, uint32_t milliseconds) {
 }
 
 bool ReleaseMutex(XPlatformMutex* mutex) {
-  return mutex != nullptr && pthread_mutex_unlock(&mutex->mutex) == 0;
+  if (mutex == nullptr || !mutex->owned.load(std::memory_order_relaxed) ||
+      !pthread_equal(mutex->owner.load(std::memory_order_relaxed), pthread_self())) {
+    return false;
+  }
+  if (--mutex->depth == 0) mutex->owned.store(false, std::memory_order_relaxed);
+  return pthread_mutex_unlock(&mutex->mutex) == 0;
 }
 
 bool RetainMutex(XPlatformMutex* mutex) {
