@@ -5,13 +5,17 @@
 // (a few instructions) and one of about 50 ns, on two workers; the table at the
 // end gives the MT time over the single-threaded time (the cost ratio, at most
 // 1.2 is the aim) and its inverse, the speed-up (1.8 or more on two idle cores
-// for 50 ns items on large arrays). Does the hand-out make small items slow?
+// for 50 ns items on large arrays), and the process CPU time of the MT form
+// against the single-threaded one (the cpu ratio: near 1 means the threads add
+// little work, so two idle cores give close to twice the speed even when the
+// machine is too busy to show it). Does the hand-out make small items slow?
 // XMakeArray against a plain loop calling the same function. Every figure is
 // the least of --benchmark_repetitions runs (5 by default here), the least
 // disturbed one on a shared machine.
 //
 //===----------------------------------------------------------------------===//
 #include <benchmark/benchmark.h>
+#include <time.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -58,6 +62,13 @@ bool Work50nsNever(void* item) {
 
 constexpr uint32_t kMaxCount = 1 << 20;
 
+// CPU time of the whole process (every thread) in seconds.
+double ProcessCpuSeconds() {
+  timespec t;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
 std::vector<Element>& Elements() {
   static std::vector<Element> elements(kMaxCount, Element{1, 2});
   return elements;
@@ -90,6 +101,7 @@ void RunForm(benchmark::State& state, Form form, bool mt, void (*fn)(void*), boo
   void* base = Elements().data();
   void* const* items = Pointers().data();
   tavi::strProgressOptions options;  // no window: progress is counted, not drawn
+  const double cpuStart = ProcessCpuSeconds();
   for (auto _ : state) {
     switch (form) {
       case Form::kMakeArray:
@@ -107,6 +119,11 @@ void RunForm(benchmark::State& state, Form form, bool mt, void (*fn)(void*), boo
     }
     benchmark::ClobberMemory();
   }
+  // CPU time of all threads per call: on a busy machine the MT form's real time
+  // says little, but its CPU time against the single-threaded form's shows the
+  // work it adds, and so the speed-up two idle cores would give.
+  state.counters["proc_cpu_us"] = benchmark::Counter((ProcessCpuSeconds() - cpuStart) * 1e6,
+                                                     benchmark::Counter::kAvgIterations);
   tavi::XSetWorkerCount(old);
   state.SetItemsProcessed(state.iterations() * count);
 }
@@ -128,6 +145,8 @@ class RatioReporter : public benchmark::ConsoleReporter {
       const size_t suffix = name.find("/real_time");
       if (suffix != std::string::npos) name.erase(suffix);
       best_[name] = run.GetAdjustedRealTime() * 1e-6;  // reported in microseconds
+      const auto cpu = run.counters.find("proc_cpu_us");
+      if (cpu != run.counters.end()) cpu_[name] = cpu->second.value;
     }
     ConsoleReporter::ReportRuns(runs);
   }
@@ -135,20 +154,25 @@ class RatioReporter : public benchmark::ConsoleReporter {
   // Pairs "<group>/single" with "<group>/mt2".
   void PrintRatios() const {
     std::printf("\nMT (2 workers) against single-threaded, least time of the repetitions:\n");
-    std::printf("  %-32s %12s %12s %8s %8s\n", "group", "single us", "MT us", "cost", "speed-up");
+    std::printf("  %-30s %11s %11s %7s %8s %9s %9s\n", "group", "single us", "MT us", "cost",
+                "speed-up", "MT cpu us", "cpu ratio");
     for (const auto& [name, single] : best_) {
       const size_t slash = name.rfind('/');
       if (name.compare(slash + 1, std::string::npos, "single") != 0) continue;
       const std::string group = name.substr(0, slash);
       const auto mt = best_.find(group + "/mt2");
       if (mt == best_.end()) continue;
-      std::printf("  %-32s %12.2f %12.2f %7.2fx %7.2fx\n", group.c_str(), single * 1e6,
-                  mt->second * 1e6, mt->second / single, single / mt->second);
+      const double singleCpu = cpu_.count(name) ? cpu_.at(name) : 0;
+      const double mtCpu = cpu_.count(mt->first) ? cpu_.at(mt->first) : 0;
+      std::printf("  %-30s %11.2f %11.2f %6.2fx %7.2fx %9.2f %8.2fx\n", group.c_str(), single * 1e6,
+                  mt->second * 1e6, mt->second / single, single / mt->second, mtCpu,
+                  singleCpu > 0 ? mtCpu / singleCpu : 0.0);
     }
   }
 
  private:
   std::map<std::string, double> best_;
+  std::map<std::string, double> cpu_;  // least process CPU time per call, us
 };
 
 }  // namespace

@@ -87,10 +87,11 @@ inline int64_t SetSoloNanoseconds(int64_t ns) {
 // answers false or all `count` positions are done (true: the call is over), or
 // until the solo time has passed (false, with `next` the first position not
 // yet done). The clock is read between blocks of positions sized from the rate
-// seen so far to about a quarter of the solo time, and at most eight times the
-// positions done, so cheap items pay a handful of clock reads per call and an
-// item far slower than those before it delays the helpers by little more than
-// one block.
+// seen so far to about a quarter of the solo time, and at most sixteen times
+// the positions done. The first block is one item, so a few heavy items get
+// helpers after the first; cheap items pay two to four clock reads per call
+// (some 50-100 ns, the whole cost of the MT form over a quick call), and an
+// item far slower than those before it delays the helpers by at most one block.
 template <typename Step>
 bool RunSolo(uint32_t count, uint32_t& next, Step step) {
   using Clock = std::chrono::steady_clock;
@@ -112,7 +113,7 @@ bool RunSolo(uint32_t count, uint32_t& next, Step step) {
     }
     const uint64_t byRate = uint64_t{i} * static_cast<uint64_t>(solo / 4) /
                             static_cast<uint64_t>(std::max<int64_t>(elapsed, 1));
-    block = std::clamp<uint64_t>(byRate, 1, uint64_t{i} * 8);
+    block = std::clamp<uint64_t>(byRate, 1, uint64_t{i} * 16);
   }
 }
 
