@@ -70,6 +70,7 @@ TEST(Parallel, WorkerCountStartsAtTheProcessorCountAndClamps) {
 // null items passed on, the first stop or null, contexts passed unchanged.
 TEST(Parallel, SingleThreadedForms) {
   static std::vector<void*> seen;
+  seen.clear();
   std::vector<Cell> cells(10);
   auto ptrs = PointersTo(cells);
   ptrs[2] = nullptr;
