@@ -59,6 +59,8 @@
 #include "tavi/thread/count_safe.h"
 #include "tavi/thread/parallel.h"
 #include "tavi/thread/progress.h"
+#include "tavi/thread/sync.h"
+#include "tavi/thread/thread.h"
 #include "tavi/time/calendar.h"
 #include "tavi/time/date_time.h"
 #include "tavi/time/date_time_options.h"

@@ -1,8 +1,11 @@
 //===- parallel.cpp - XMake, XMakeArray, XCheck, XEnum and their MT forms -===//
 #include "tavi/thread/parallel.h"
 
-#include <array>
+#include <algorithm>
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 
@@ -35,20 +38,86 @@ uint32_t ThreadsFor(uint32_t count) {
   return std::min(XGetWorkerCount(), count);
 }
 
-void RunWorkersImpl(uint32_t threads, void (*worker)(void*), void* context) {
-  std::array<std::thread, kMaxWorkerCount> helpers;
-  const uint32_t started = std::min(threads, kMaxWorkerCount);
-  for (uint32_t i = 1; i < started; ++i) {
-    try {
-      helpers[i] = std::thread(worker, context);
-    } catch (const std::system_error&) {
-      // A thread that cannot be created is simply absent.
+namespace {
+
+// The part of a team that helpers may touch after the calling thread has
+// returned: it is shared by the caller and every helper thread and freed by
+// whichever lets go last. worker and context are used only while the team is
+// open.
+struct Team {
+  std::mutex lock;
+  std::condition_variable idle;
+  void (*worker)(void*);
+  void* context;
+  uint32_t toStart;     // helpers still to be started
+  uint32_t active = 0;  // helpers inside worker()
+  bool closed = false;
+  std::atomic<uint32_t> refs;
+
+  void Unref() {
+    if (refs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+  }
+};
+
+void HelperMain(Team* team);
+
+// Starts one helper holding a reference the caller has already added.
+void StartHelper(Team* team) {
+  try {
+    std::thread(HelperMain, team).detach();
+  } catch (const std::system_error&) {
+    team->Unref();  // a thread that cannot be created is simply absent
+  }
+}
+
+void HelperMain(Team* team) {
+  bool startNext = false;
+  {
+    std::lock_guard<std::mutex> hold(team->lock);
+    if (!team->closed && team->toStart > 0) {
+      --team->toStart;
+      team->refs.fetch_add(1, std::memory_order_relaxed);
+      startNext = true;
     }
   }
-  worker(context);
-  for (std::thread& helper : helpers) {
-    if (helper.joinable()) helper.join();
+  // The next helper is started before this one registers, so that the calling
+  // thread never waits for a thread start.
+  if (startNext) StartHelper(team);
+  bool work;
+  {
+    std::lock_guard<std::mutex> hold(team->lock);
+    work = !team->closed;
+    if (work) ++team->active;
   }
+  if (work) {
+    team->worker(team->context);
+    bool last;
+    {
+      std::lock_guard<std::mutex> hold(team->lock);
+      last = --team->active == 0 && team->closed;
+    }
+    if (last) team->idle.notify_all();
+  }
+  team->Unref();
+}
+
+}  // namespace
+
+void RunWorkersImpl(uint32_t threads, void (*worker)(void*), void* context) {
+  Team* team = threads > 1 ? new (std::nothrow) Team : nullptr;
+  if (team == nullptr) return worker(context);
+  team->worker = worker;
+  team->context = context;
+  team->toStart = std::min(threads, kMaxWorkerCount) - 2;  // the first one is started here
+  team->refs.store(2, std::memory_order_relaxed);
+  StartHelper(team);
+  worker(context);
+  {
+    std::unique_lock<std::mutex> hold(team->lock);
+    team->closed = true;
+    team->idle.wait(hold, [team] { return team->active == 0; });
+  }
+  team->Unref();
 }
 
 }  // namespace internal

@@ -51,9 +51,14 @@ bool MakeWithProgress(const Title& title, Fn fn, void* const* items, uint32_t co
   return ProgressEnd(progress);
 }
 
-// Hands out one item per lock. Before each hand-out the worker reports under
-// the lock what has finished: the first `threads` hand-outs start the workers
-// and count nothing; each later one means that its worker finished an item.
+// The calling thread starts alone, calling ProgressSet after each item as the
+// sequential form does. When work is left after the solo time, helpers join and
+// items are handed out in runs (at most kProgressRun items, so that progress
+// moves); before each hand-out the worker reports under the lock the items it
+// finished since its last one. A cancel request is also read before every item,
+// so a cancelled call finishes at most the item each worker is on.
+constexpr uint32_t kProgressRun = 1024;
+
 template <typename Fn>
 bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uint32_t count,
                               strProgressOptions& options) {
@@ -61,26 +66,39 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
   if (threads <= 1) return MakeWithProgress(title, fn, items, count, options);
   strProgress progress;
   title.Start(progress, count, options);
-  internal::WorkQueue queue(count, threads);
-  uint32_t priming = threads;
-  uint64_t done = 0;
+  uint32_t start;
+  const bool over = internal::RunSolo(count, start, [&](uint32_t i) {
+    void* item = items[i];
+    if (item == nullptr) return false;
+    fn(item);
+    return ProgressSet(progress, uint64_t{i} + 1) == kProgressRunning;
+  });
+  if (over) return ProgressEnd(progress);
+  internal::WorkQueue queue(start, count, threads);
+  uint64_t done = start;
   auto worker = [&] {
+    uint32_t finished = 0;
     for (;;) {
-      void* item;
+      uint32_t first, run;
       {
         std::lock_guard<std::mutex> lock(queue.mutex());
-        if (priming > 0) {
-          --priming;
-        } else {
-          ++done;
-        }
+        done += finished;
         if (ProgressSet(progress, done) != kProgressRunning) queue.StopLocked();
-        uint32_t position;
-        if (!queue.TakeOneLocked(position)) return;
-        item = items[position];
+        if (!queue.TakeRunLocked(first, run, kProgressRun)) return;
       }
-      if (item == nullptr) return;
-      fn(item);
+      finished = 0;
+      for (uint32_t i = first; i < first + run; ++i) {
+        if (options.cancel.load(std::memory_order_relaxed)) break;
+        void* item = items[i];
+        if (item == nullptr) {
+          std::lock_guard<std::mutex> lock(queue.mutex());
+          done += finished;
+          ProgressSet(progress, done);
+          return;
+        }
+        fn(item);
+        ++finished;
+      }
     }
   };
   internal::RunWorkers(threads, worker);

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "thread/internal/work_queue.h"
+
 namespace tavi {
 namespace {
 
@@ -18,6 +20,17 @@ struct ScopedWorkers {
   ~ScopedWorkers() { XSetWorkerCount(old); }
   const uint32_t old;
 };
+
+// Sets how long the calling thread works alone before helpers join. With 0 they
+// join after the first item, so small arrays take the threaded paths; with the
+// normal time, quick calls finish alone.
+struct ScopedSolo {
+  explicit ScopedSolo(int64_t ns) : old(internal::SetSoloNanoseconds(ns)) {}
+  ~ScopedSolo() { internal::SetSoloNanoseconds(old); }
+  const int64_t old;
+};
+constexpr int64_t kHelpersAtOnce = 0;
+constexpr int64_t kNormalSolo = internal::kSoloNanoseconds;
 
 // Items are Cells: the functions add to `calls`, the predicates test `key`.
 // The array forms run over every other Cell (elements of two Cells).
@@ -57,6 +70,7 @@ TEST(Parallel, WorkerCountStartsAtTheProcessorCountAndClamps) {
 // null items passed on, the first stop or null, contexts passed unchanged.
 TEST(Parallel, SingleThreadedForms) {
   static std::vector<void*> seen;
+  seen.clear();
   std::vector<Cell> cells(10);
   auto ptrs = PointersTo(cells);
   ptrs[2] = nullptr;
@@ -82,10 +96,11 @@ TEST(Parallel, SingleThreadedForms) {
 // on random worker counts and on arrays of every size around the run lengths.
 TEST(Parallel, ThreadedFormsAgreeWithSingleThreaded) {
   std::mt19937 rng(12345);
-  for (int round = 0; round < 40; ++round) {
+  for (int round = 0; round < 80; ++round) {
     const uint32_t workers = 1 + rng() % 16;
     ScopedWorkers scoped(workers);
-    const uint32_t count = round < 20 ? static_cast<uint32_t>(round) : rng() % 2000;
+    ScopedSolo solo(round % 2 ? kHelpersAtOnce : kNormalSolo);
+    const uint32_t count = round < 40 ? static_cast<uint32_t>(round / 2) : rng() % 2000;
     SCOPED_TRACE(testing::Message() << "workers " << workers << " count " << count);
 
     std::vector<Cell> cells(count);
@@ -129,6 +144,7 @@ TEST(Parallel, ThreadedFormsAgreeWithSingleThreaded) {
 // Several workers meet, each at most once.
 TEST(Parallel, ThreadedSearchReturnsTheLowestOfManyMatchesOrNull) {
   ScopedWorkers scoped(8);
+  ScopedSolo solo(kHelpersAtOnce);
   std::vector<Cell> cells(20000);
   for (uint32_t i = 777; i < cells.size(); i += 3) cells[i].key = i == 777 ? 1 : 3;
   auto ptrs = PointersTo(cells);
@@ -160,20 +176,24 @@ TEST(Parallel, NullItemEndsAWorkerInThreadedForms) {
   for (uint32_t workers : {4u, 1u}) {
     ScopedWorkers scoped(workers);
     for (uint32_t nullAt : {0u, 2u, 500u, 999u}) {
-      SCOPED_TRACE(testing::Message() << workers << " workers, null at " << nullAt);
-      static std::atomic<uint32_t> nulls;
-      nulls = 0;
-      std::vector<Cell> cells(1000);
-      auto ptrs = PointersTo(cells);
-      ptrs[nullAt] = nullptr;
-      XMakeMT([](void* item) { item ? Touch(item) : void(++nulls); }, ptrs.data(), 1000);
-      EXPECT_EQ(nulls, workers == 1 ? 1u : 0u);
-      for (uint32_t i = 0; i < 1000; ++i) {
-        const bool done = i != nullAt && (i < nullAt || workers == 1);
-        ASSERT_TRUE(done ? cells[i].calls == 1 : cells[i].calls <= 1) << i;
+      for (int64_t soloTime : {kHelpersAtOnce, kNormalSolo}) {
+        ScopedSolo solo(soloTime);
+        SCOPED_TRACE(testing::Message()
+                     << workers << " workers, null at " << nullAt << ", solo " << soloTime);
+        static std::atomic<uint32_t> nulls;
+        nulls = 0;
+        std::vector<Cell> cells(1000);
+        auto ptrs = PointersTo(cells);
+        ptrs[nullAt] = nullptr;
+        XMakeMT([](void* item) { item ? Touch(item) : void(++nulls); }, ptrs.data(), 1000);
+        EXPECT_EQ(nulls, workers == 1 ? 1u : 0u);
+        for (uint32_t i = 0; i < 1000; ++i) {
+          const bool done = i != nullAt && (i < nullAt || workers == 1);
+          ASSERT_TRUE(done ? cells[i].calls == 1 : cells[i].calls <= 1) << i;
+        }
+        // A null at 0 ends the calling thread before any helper joins.
+        EXPECT_EQ(cells[1].calls, workers > 1 && nullAt == 0 ? 0u : 1u);
       }
-      // Item 1 is in the first run, the one that holds the null at 0.
-      EXPECT_EQ(cells[1].calls, workers > 1 && nullAt == 0 ? 0u : 1u);
     }
   }
 }

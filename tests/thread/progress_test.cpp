@@ -10,6 +10,7 @@
 #include "core/fake_ui.h"
 #include "tavi/thread/parallel.h"
 #include "thread/internal/progress_clock.h"
+#include "thread/internal/work_queue.h"
 
 namespace tavi {
 namespace {
@@ -44,6 +45,7 @@ class ProgressTest : public testing::Test {
   }
   void TearDown() override {
     internal::SetProgressClock(nullptr, 0);
+    internal::SetSoloNanoseconds(internal::kSoloNanoseconds);
     XSetWorkerCount(workers_);
   }
 
@@ -162,8 +164,13 @@ TEST_F(ProgressTest, MakeWithProgressCountsEveryItemAndStopsOnCancel) {
   autoStep = 500;  // every clock read is half a second on: every change shows
   int item;
   const std::vector<void*> items(199, &item);
-  for (uint32_t workers : {1u, 2u, 7u}) {
-    SCOPED_TRACE(workers);
+  const int64_t normalSolo = internal::kSoloNanoseconds;
+  // Rounds with a solo time of 0 let helpers join after the first item; with
+  // the normal one, 199 quick items finish on the calling thread alone.
+  for (const auto& [workers, solo] :
+       {std::pair<uint32_t, int64_t>{1, 0}, {2, 0}, {7, 0}, {2, normalSolo}, {7, normalSolo}}) {
+    SCOPED_TRACE(testing::Message() << workers << " workers, solo " << solo);
+    internal::SetSoloNanoseconds(solo);
     XSetWorkerCount(workers);
     shown.clear();
     Counter counter;

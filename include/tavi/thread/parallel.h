@@ -66,18 +66,24 @@ TAVI_API void* XEnum(XItemPred3 pred, void* context1, void* context2, void* cons
 
 // --- Threaded forms -----------------------------------------------------------
 //
-// The MT forms run on N = min(XGetWorkerCount(), count) threads, the calling
-// thread being one of them, and return when all have ended; with N <= 1 they
-// are the single-threaded forms. fn and pred run concurrently and must be safe
-// for that. Items are handed out in increasing index order, in runs that shrink
-// as the array is used up (at most one lock per run, never per-item allocation);
-// the order in which calls finish is not defined.
+// The MT forms run on up to N = min(XGetWorkerCount(), count) threads and
+// return when all have ended; with N <= 1 they are the single-threaded forms.
+// The calling thread starts on the items at once and alone; only when work is
+// left after a short time (about 150 us) does it start helper threads, so a
+// call that is quick anyway costs no more than the single-threaded form (a few
+// clock reads). fn and pred run concurrently and must be safe for that. Items
+// are handed out in increasing index order, in runs that shrink as the array
+// is used up (at most one lock per run, one small allocation per call that
+// starts helpers, never per item); the order in which calls finish is not
+// defined. Helper threads that have not begun by the time the calling thread
+// runs out of work are not waited for: they find nothing to do and end.
 //
 // In the pointer forms run on two or more threads, a null item ends the worker
 // that takes it: null is the array's terminator for the threaded forms, so fn
-// never sees it, and the items that worker had been handed after it are skipped
-// (other workers go on). With N <= 1 the single-threaded form passes null items
-// to fn like any other.
+// never sees it, and the items that worker had been handed after it are
+// skipped; when that worker is the calling thread, everything not yet handed
+// to a helper is skipped too. Every item before the null is done. With N <= 1
+// the single-threaded form passes null items to fn like any other.
 // XCheckMT / XEnumMT return the lowest-indexed item that stops the search, the
 // same item as the single-threaded form for arrays without null items, and
 // null when nothing matches.
@@ -111,11 +117,14 @@ TAVI_API void* XEnumMT(XItemPred3 pred, void* context1, void* context2, void* co
 // counting one unit per item; they stop early when the options' cancel flag is
 // set and return ProgressEnd's result: true unless cancelled. A count of 0
 // returns true without touching the options. The sequential forms call
-// ProgressSet after each item. The MT forms hand out one item per lock and call
-// ProgressSet under that lock before each hand-out (the first N hand-outs count
-// nothing, each later one counts one finished item); once it reports
-// cancellation no further item is handed out. A null item ends its worker in
-// the MT forms, as above.
+// ProgressSet after each item, and so do the MT forms while the calling thread
+// works alone. Once helpers have joined, the MT forms hand out runs of at most
+// 1024 items and call ProgressSet under the hand-out lock before each one,
+// counting the items the worker finished since its previous hand-out; once it
+// reports cancellation no further run is handed out, and every worker also
+// reads the cancel flag before each item, so a cancelled call finishes at most
+// the item each worker is on. A null item ends its worker in the MT forms, as
+// above.
 
 TAVI_API bool XMake(const char16_t* title, uint32_t titleLen, XItemFunc1 fn, void* const* items,
                     uint32_t count, strProgressOptions& options);
