@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <utility>
 #include <vector>
@@ -288,13 +289,11 @@ TEST(Collection, SearchExamples) {
     EXPECT_EQ(c.SearchFirstIndex(&t.key, CmpInt, false), t.found ? t.first : kNoIndex);
     EXPECT_EQ(c.SearchFirstHigherIndex(&t.key, CmpInt), t.higher);
   }
+  // Subranges against the standard bounds are the fuzz target's work; here the
+  // context forms, an empty collection and a reversed range.
   const int twenty = 20;
-  const uint32_t any = c.SearchIndex(&twenty, CmpInt);
-  EXPECT_TRUE(any == 1 || any == 2);
-  EXPECT_EQ(c.Search(&s[3], CmpInt), &s[3]);
   int calls = 0;
   EXPECT_EQ(c.SearchFirstHigherIndex(&twenty, CmpIntCtx, &calls), 3u);
-  EXPECT_EQ(c.SearchIndex(&s[0], CmpIntCtx, &calls), 0u);
   EXPECT_EQ(c.SearchIndex(&twenty, CmpIntCtx, &calls, 3, 3), kNoIndex);
   EXPECT_GT(calls, 0);
   Probe empty;
@@ -302,8 +301,6 @@ TEST(Collection, SearchExamples) {
   EXPECT_EQ(empty.SearchIndex(&twenty, CmpInt), kNoIndex);
   EXPECT_EQ(empty.SearchFirstIndex(&twenty, CmpInt, found, true), kNoIndex);
   EXPECT_FALSE(found);
-  EXPECT_EQ(empty.SearchFirstHigherIndex(&twenty, CmpInt), kNoIndex);
-  EXPECT_EQ(c.SearchIndex(&twenty, CmpInt, 2, 4), kNoIndex);
   EXPECT_EQ(c.SearchIndex(&twenty, CmpInt, 3, 2), kNoIndex);
 }
 
@@ -363,35 +360,20 @@ void ReferenceSort(void** a, long lo, long hi) {
 
 TEST(Xqsort, SamePermutationAsThePlainAlgorithm) {
   std::mt19937 rng(11);
+  // Many equal items, random, ascending, descending, all equal.
+  const std::function<int(int)> shapes[] = {[&](int) { return static_cast<int>(rng() % 7); },
+                                            [&](int) { return static_cast<int>(rng()); },
+                                            [](int i) { return i; }, [](int i) { return -i; },
+                                            [](int) { return 5; }};
   for (uint32_t n : {0u, 1u, 2u, 3u, 8u, 9u, 10u, 17u, 64u, 1000u, 4099u}) {
-    for (int shape = 0; shape < 5; ++shape) {
+    for (size_t shape = 0; shape < std::size(shapes); ++shape) {
       std::vector<int> s(n);
-      for (uint32_t i = 0; i < n; ++i) {
-        switch (shape) {
-          case 0:
-            s[i] = static_cast<int>(rng() % 7);
-            break;  // many equal items
-          case 1:
-            s[i] = static_cast<int>(rng());
-            break;
-          case 2:
-            s[i] = static_cast<int>(i);
-            break;
-          case 3:
-            s[i] = -static_cast<int>(i);
-            break;
-          default:
-            s[i] = 5;
-            break;
-        }
-      }
+      for (uint32_t i = 0; i < n; ++i) s[i] = shapes[shape](static_cast<int>(i));
       std::vector<void*> a(n), b(n);
       for (uint32_t i = 0; i < n; ++i) a[i] = b[i] = &s[i];
       Xqsort(a.data(), n, CmpInt);
       if (n > 0) ReferenceSort(b.data(), 0, static_cast<long>(n) - 1);
       EXPECT_EQ(a, b) << n << " shape " << shape;
-      EXPECT_TRUE(
-          std::is_sorted(a.begin(), a.end(), [](void* x, void* y) { return CmpInt(x, y) < 0; }));
       int calls = 0;
       for (uint32_t i = 0; i < n; ++i) b[i] = &s[i];
       Xqsort(b.data(), n, CmpIntCtx, &calls);
@@ -529,8 +511,7 @@ TEST(Collection, SaveAndLoadRawAndPacked) {
   test::ScratchDir dir;
   NumColl c;
   for (uint32_t v : {7u, 0u, 0xFFFFFFFFu, 42u}) c.Insert(new Num(v));
-  for (uint32_t flags : {0u, kFileHeaderCompressed, kFileHeaderCrypted,
-                         kFileHeaderCompressed | kFileHeaderCrypted}) {
+  for (uint32_t flags : {0u, kFileHeaderCompressed | kFileHeaderCrypted}) {
     SCOPED_TRACE(flags);
     XString16 name = test::Str(dir.Name(u"nums.bin"));
     ASSERT_TRUE(c.SaveFile(name, flags, u"secret", kFileWrite | kFileCreateAlways, nullptr));

