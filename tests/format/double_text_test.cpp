@@ -143,11 +143,6 @@ TEST(DoubleToString, Examples) {
   EXPECT_EQ(Print(1e300, -1, false, false, 16), "1" + std::string(300, '0'));
   // Digits past the shortest decimal are zeros, in the integer part too (2^60).
   EXPECT_EQ(Print(1152921504606846976.0, 0, false), "1152921504606847000");
-  uint32_t length = 0;
-  char16_t buffer[kDoubleTextCapacity];
-  _DoubleToString(length, std::numeric_limits<double>::quiet_NaN(), buffer, -1, false, false, 16,
-                  u'.');
-  EXPECT_EQ(length, 6u);
 }
 
 TEST(DoubleToString, PrecisionLimits) {
@@ -423,30 +418,6 @@ TEST(StringToDouble, MatchesReferenceOnRandomText) {
 }
 
 // ---- Internals -------------------------------------------------------------------
-
-// The 128-bit estimate agrees with the big-integer path wherever it decides.
-TEST(DoubleCore, FastPathAgreesWithExactPath) {
-  std::mt19937_64 rng(13);
-  for (int i = 0; i < 30000; ++i) {
-    std::u16string digits;
-    const int n = 1 + static_cast<int>(rng() % 30);
-    for (int k = 0; k < n; ++k) digits += static_cast<char16_t>(u'0' + rng() % 10);
-    digits[0] = static_cast<char16_t>(u'1' + rng() % 9);
-    const int last_exponent = static_cast<int>(rng() % 700) - 370;
-    format_internal::DecimalScan scan{digits.data(), digits.data() + n, 0, 0, false, 0};
-    for (int k = 0; k < n; ++k) {
-      if (k < 19) {
-        scan.first19 = scan.first19 * 10 + (digits[k] - u'0');
-        ++scan.first19_count;
-      } else {
-        scan.more_digits |= digits[k] != u'0';
-      }
-    }
-    scan.exponent = last_exponent + (n - scan.first19_count);
-    ASSERT_EQ(format_internal::NearestDouble(scan), format_internal::NearestDoubleExact(scan))
-        << std::string(digits.begin(), digits.end()) << "e" << last_exponent;
-  }
-}
 
 // Every table entry g(e) satisfies g - 1 <= 10^e * 2^(127 - r) < g with r = floor(log2 10^e)
 // and 2^127 < g < 2^128.

@@ -23,8 +23,6 @@ TEST(NumberOptions, PortableDefaultsAndConstants) {
   EXPECT_EQ(MarksOf(o), Marks(u'.', 0, u'\u00A0'));
   EXPECT_EQ(MarksOf(gPortableNumberOptions), MarksOf(o));
   EXPECT_EQ(std::u16string(strEnvNumberOptions::ValidCharsHexaNumber), u"ABCDEFabcdef0123456789");
-  uint64_t power = 1;
-  for (int d = 0; d <= 10; ++d, power *= 10) EXPECT_EQ(gRealDividers[d], power) << d;
   strEnvNumberOptions a;  // copies take every field, the reserved one too
   a.Digits[3] = u'x';
   a.Reserved = 0x1234;

@@ -81,11 +81,10 @@ TEST(Case, WholeBmpMappingsMatchIcu) {
 }
 
 TEST(Case, LengthChangesAndTheAsciiPath) {
-  EXPECT_EQ(Mapped(XCaseMapping::kUpper, u"stra\u00DFe"), u"STRASSE");
-  EXPECT_EQ(Mapped(XCaseMapping::kUpper, u"\u0149"), u"\u02BCN");
-  EXPECT_EQ(Mapped(XCaseMapping::kLower, u"\u0130"), u"i\u0307");
+  // Growth within the bound, and the final sigma (which the sweep above never puts
+  // at a word's end).
+  EXPECT_EQ(Mapped(XCaseMapping::kUpper, u"\u0390"), u"\u0399\u0308\u0301");
   EXPECT_EQ(Mapped(XCaseMapping::kLower, u"\u039F\u0394\u039F\u03A3"), u"\u03BF\u03B4\u03BF\u03C2");
-  EXPECT_EQ(Mapped(XCaseMapping::kTitle, u"hello wORLD"), u"Hello World");
   EXPECT_EQ(Mapped(XCaseMapping::kUpper, u""), u"");
   // ASCII texts (fast path) against ICU, all 128 characters in random orders.
   std::mt19937 rng(9);

@@ -18,40 +18,23 @@ bool Match(const std::u16string& pattern, const std::u16string& text, uint32_t f
 }
 
 TEST(Wildcard, Table) {
-  // (pattern, text, flags, expected)
+  // (pattern, text, flags, expected). Plain ASCII patterns of "*", "?", sets and ranges
+  // are checked against the model below; here the cases it leaves out.
   const std::vector<std::tuple<std::u16string, std::u16string, uint32_t, bool>> cases = {
-      {u"", u"", 0, true},
-      {u"", u"a", 0, false},
-      {u"*", u"", 0, true},
-      {u"*", u"anything", 0, true},
-      {u"?", u"", 0, false},
-      {u"a?c", u"abc", 0, true},
-      {u"a?c", u"ac", 0, false},
       {u"*.txt", u"notes.txt", 0, true},
       {u"*.txt", u"notes.txt.bak", 0, false},
-      {u"a*b*c", u"aXbYbZc", 0, true},
-      {u"a*b*c", u"aXcYb", 0, false},
-      {u"**a**", u"ba", 0, true},
       {u"*.*", u"noext", 0, false},
       {u"*.*", u"noext", kWildcardFileName, true},
       {u"*.*", u"", kWildcardFileName, true},
       {u"*.?", u"noext", kWildcardFileName, false},
-      // Sets and their edges.
-      {u"[a-c]x", u"bx", 0, true},
-      {u"[a-c]x", u"dx", 0, false},
-      {u"[!a-c]x", u"dx", 0, true},
-      {u"[!a-c]x", u"ax", 0, false},
+      // Sets whose first character is "]", and characters that are only literal in sets.
       {u"[]]", u"]", 0, true},
       {u"[!]]", u"]", 0, false},
       {u"[!]]", u"a", 0, true},
-      {u"[a-]", u"-", 0, true},
-      {u"[-a]", u"-", 0, true},
-      {u"[z-a]", u"m", 0, false},
       {u"[*]", u"*", 0, true},
       {u"[*]", u"a", 0, false},
       {u"[[]", u"[", 0, true},
       {u"[abc", u"[abc", 0, true},  // unclosed: ordinary characters
-      {u"[abc", u"a", 0, false},
       {u"[]", u"[]", 0, true},
       // Case.
       {u"ABC", u"abc", 0, false},
