@@ -47,6 +47,7 @@
 #include "tavi/pack/huffman.h"
 #include "tavi/pack/lz.h"
 #include "tavi/resource/string_resource.h"
+#include "tavi/resource/string_resource_coll.h"
 #include "tavi/text/case.h"
 #include "tavi/text/code_page.h"
 #include "tavi/text/convert.h"
