@@ -49,11 +49,13 @@ class TAVI_API TStringResource {
 inline constexpr char16_t kMissingStringText[] = u"???";
 
 // XLibStringResource is the table the library takes its own messages from. It starts
-// as the built-in English table; set it once at start-up, before other threads use it.
+// as the built-in English table (XBuiltinStringResource); set it once at start-up, before other
+// threads use it.
 TAVI_API extern TStringResource* XLibStringResource;
 // XSetLibStringResource replaces the library's table; false, changing nothing, for null.
 TAVI_API bool XSetLibStringResource(TStringResource* resource);
-// XBuiltinStringResource returns the built-in English table of the library's texts.
+// XBuiltinStringResource returns the library's English texts, built from the
+// language file lang/tavi.en.lng embedded at build time.
 TAVI_API TStringResource* XBuiltinStringResource();
 
 }  // namespace tavi
