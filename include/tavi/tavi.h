@@ -29,6 +29,7 @@
 #include "tavi/file/file_header.h"
 #include "tavi/file/find_file.h"
 #include "tavi/file/object.h"
+#include "tavi/file/option_file.h"
 #include "tavi/format/double_text.h"
 #include "tavi/format/integer_text.h"
 #include "tavi/format/number_options.h"
