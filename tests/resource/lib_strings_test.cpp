@@ -1,9 +1,9 @@
 //===- lib_strings_test.cpp - The library's English language file ----------===//
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -23,8 +23,38 @@ const fs::path kSourceDir = TAVI_SOURCE_DIR;
 
 // Every library code (0x2000xxxx) and message ID (nine digits from 500000000) written
 // anywhere in the library's sources.
+bool IsWordChar(char c) {
+  return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
+// The IDs in one source text: "0x2000" and four hex digits, or nine decimal digits
+// beginning with 5, as whole words (a "u" suffix allowed).
+void ScanIds(const std::string& s, std::set<int32_t>& ids) {
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (i > 0 && IsWordChar(s[i - 1])) continue;
+    size_t end = i;
+    if (s.compare(i, 6, "0x2000") == 0) {
+      end = i + 6;
+      while (end < s.size() && end < i + 10 && std::isxdigit(static_cast<unsigned char>(s[end]))) {
+        ++end;
+      }
+      if (end != i + 10) continue;
+    } else if (s[i] == '5') {
+      while (end < s.size() && std::isdigit(static_cast<unsigned char>(s[end]))) ++end;
+      if (end != i + 9) continue;
+    } else {
+      continue;
+    }
+    size_t after = end < s.size() && s[end] == 'u' ? end + 1 : end;
+    if (after < s.size() && IsWordChar(s[after])) continue;
+    auto id = static_cast<int32_t>(std::stoul(s.substr(i, end - i), nullptr, 0));
+    if (id != 0x20000000) ids.insert(id);  // the base of the codes, not a code
+  }
+}
+
+// Every library code (0x2000xxxx) and message ID (nine digits from 500000000) written
+// anywhere in the library's sources.
 std::set<int32_t> IdsInSources() {
-  const std::regex pattern(R"(\b(0x2000[0-9A-Fa-f]{4}|5[0-9]{8})u?\b)");
   std::set<int32_t> ids;
   for (const char* dir : {"src", "include"}) {
     for (const auto& entry : fs::recursive_directory_iterator(kSourceDir / dir)) {
@@ -33,11 +63,7 @@ std::set<int32_t> IdsInSources() {
       std::ifstream in(entry.path());
       std::stringstream text;
       text << in.rdbuf();
-      std::string s = text.str();
-      for (std::sregex_iterator it(s.begin(), s.end(), pattern), end; it != end; ++it) {
-        int32_t id = static_cast<int32_t>(std::stoul((*it)[1].str(), nullptr, 0));
-        if (id != 0x20000000) ids.insert(id);  // the base of the codes, not a code
-      }
+      ScanIds(text.str(), ids);
     }
   }
   return ids;
