@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   FILE* f = std::fopen(path.c_str(), "wb");
   if (f == nullptr) return 0;
-  std::fwrite(data, 1, size, f);
+  if (size != 0) std::fwrite(data, 1, size, f);
   std::fclose(f);
 
   tavi::XString16 name;

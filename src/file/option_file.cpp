@@ -31,6 +31,10 @@ const char16_t* ValueOf(const TTitleText* line, uint32_t keyByteLength) {
 
 }  // namespace
 
+XOptionFile::~XOptionFile() {
+  FreeAll();
+}
+
 TTitleText* XOptionFile::IsOption(const char16_t* key, uint32_t keyByteLength) const {
   uint32_t index = PrefixIndex(key, keyByteLength);
   return index == kNoIndex ? nullptr : _StrAt(index);

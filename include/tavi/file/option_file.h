@@ -34,6 +34,10 @@ inline constexpr int32_t kStrOptionFileMissingAfter = 500000352;
 class TAVI_API XOptionFile : public TStringColl {
  public:
   XOptionFile() = default;
+  XOptionFile(const XOptionFile&) = delete;
+  XOptionFile& operator=(const XOptionFile&) = delete;
+  // The lines belong to the option file and are freed with it.
+  ~XOptionFile() override;
 
   // IsOption returns the first line that begins with the key, or null.
   TTitleText* IsOption(const char16_t* key, uint32_t keyByteLength) const;
