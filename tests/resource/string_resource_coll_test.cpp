@@ -213,5 +213,32 @@ TEST(StringResourceHeap, LivesInTheHeapAndDropsWithIt) {
   ASSERT_TRUE(lost->AddResources(again));
 }
 
+// Dialog items are numbered windows; the test table records the texts set on them.
+TEST(StringResource, SetDlgItemsTextFillsExistingItems) {
+  static std::map<intptr_t, std::u16string> set;
+  set.clear();
+  XUserInterface ui{};
+  ui.get_dialog_item = [](XWindow, int32_t item) {
+    return item == 3 ? nullptr : reinterpret_cast<XWindow>(static_cast<intptr_t>(item) + 100);
+  };
+  ui.set_window_text = [](XWindow w, const char16_t* text) {
+    set[reinterpret_cast<intptr_t>(w) - 100] = text;
+    return true;
+  };
+  const XUserInterface* saved = XSetUserInterface(&ui);
+  TTextFileStringResource r;
+  XBuffer b = Wide(u"1=one\n2=two\n4=four\n");
+  ASSERT_TRUE(r.AddResources(b));
+  const int32_t list[] = {1, 3, 4, 0};
+  TStringResource& base = r;
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, list));
+  EXPECT_EQ(set, (std::map<intptr_t, std::u16string>{{1, u"one"}, {4, u"four"}}));
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, 2, 3));  // 2, 3 (no item), 4
+  EXPECT_EQ(set[2], u"two");
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, list + 2, 2));  // 4 and 0 (a missing string)
+  EXPECT_EQ(set[0], u"???");
+  XSetUserInterface(saved);
+}
+
 }  // namespace
 }  // namespace tavi

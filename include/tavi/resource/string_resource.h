@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "tavi/core/types.h"
 #include "tavi/export.h"
 
 namespace tavi {
@@ -43,6 +44,14 @@ class TAVI_API TStringResource {
 
   // Get returns the text of id, or "???" when there is none.
   const char16_t* Get(int32_t id);
+
+  // SetDlgItemsText sets the text of each dialog item whose number is in ids to the
+  // string of the same number (Get): a zero-terminated list, a list of count numbers,
+  // or count consecutive numbers from first. Items the dialog lacks are skipped;
+  // false when any item that exists refused its text.
+  bool SetDlgItemsText(XWindow dialog, const int32_t* ids);
+  bool SetDlgItemsText(XWindow dialog, const int32_t* ids, uint32_t count);
+  bool SetDlgItemsText(XWindow dialog, int32_t first, uint32_t count);
 };
 
 // The placeholder text of a missing string.
