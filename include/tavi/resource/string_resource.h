@@ -9,6 +9,7 @@
 
 #include <cstdint>
 
+#include "tavi/core/types.h"
 #include "tavi/export.h"
 
 namespace tavi {
@@ -43,17 +44,27 @@ class TAVI_API TStringResource {
 
   // Get returns the text of id, or "???" when there is none.
   const char16_t* Get(int32_t id);
+
+  // SetDlgItemsText sets the text of each dialog item whose number is in ids to the
+  // string of the same number (Get): a zero-terminated list, a list of count numbers,
+  // or count consecutive numbers from first. Items the dialog lacks are skipped;
+  // false when any item that exists refused its text.
+  bool SetDlgItemsText(XWindow dialog, const int32_t* ids);
+  bool SetDlgItemsText(XWindow dialog, const int32_t* ids, uint32_t count);
+  bool SetDlgItemsText(XWindow dialog, int32_t first, uint32_t count);
 };
 
 // The placeholder text of a missing string.
 inline constexpr char16_t kMissingStringText[] = u"???";
 
 // XLibStringResource is the table the library takes its own messages from. It starts
-// as the built-in English table; set it once at start-up, before other threads use it.
+// as the built-in English table (XBuiltinStringResource); set it once at start-up, before other
+// threads use it.
 TAVI_API extern TStringResource* XLibStringResource;
 // XSetLibStringResource replaces the library's table; false, changing nothing, for null.
 TAVI_API bool XSetLibStringResource(TStringResource* resource);
-// XBuiltinStringResource returns the built-in English table of the library's texts.
+// XBuiltinStringResource returns the library's English texts, built from the
+// language file lang/tavi.en.lng embedded at build time.
 TAVI_API TStringResource* XBuiltinStringResource();
 
 }  // namespace tavi

@@ -1,0 +1,54 @@
+//===- language_file_fuzz.cpp - Fuzz parsing language files -------------------===//
+//
+// The input is UTF-16 text parsed by AddResources (half the inputs are first
+// widened from bytes so that plain-text seeds mutate well). Every stored string must
+// have an ID in range, a non-empty terminated text, and the table must stay sorted
+// by strictly ascending ID with no more strings than lines.
+//
+//===----------------------------------------------------------------------===//
+#include <cstdint>
+#include <vector>
+
+#include "fuzz_helpers.h"
+#include "tavi/core/buffer.h"
+#include "tavi/core/user_interface.h"
+#include "tavi/resource/string_resource_coll.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static tavi::XUserInterface quiet = [] {
+    tavi::XUserInterface ui{};
+    ui.message_box = [](tavi::XWindow, const char16_t*, const char16_t*, uint32_t) {
+      return tavi::kIdOk;
+    };
+    return ui;
+  }();
+  tavi::XSetUserInterface(&quiet);
+
+  tavi::fuzz::InputReader in(data, size);
+  const bool widen = (in.Take<uint8_t>() & 1) != 0;
+  std::vector<char16_t> text;
+  if (widen) {
+    text.assign(in.data(), in.data() + in.size());
+  } else {
+    for (size_t i = 0; i + 1 < in.size(); i += 2) {
+      text.push_back(static_cast<char16_t>(in.data()[i] | in.data()[i + 1] << 8));
+    }
+  }
+  size_t lines = 1;
+  for (char16_t c : text) lines += c == u'\n';
+
+  tavi::XBuffer buffer;
+  if (!text.empty()) buffer.Add(text.data(), static_cast<uint32_t>(text.size() * 2));
+  tavi::TTextFileStringResource table;
+  const bool ok = table.AddResources(buffer);
+  FUZZ_ASSERT(!ok || table.GetCount() != 0);
+  FUZZ_ASSERT(table.GetCount() <= lines);
+  for (uint32_t i = 0; i < table.GetCount(); ++i) {
+    const tavi::TResourceStringItem* item = table._ResourceStringItem(i);
+    FUZZ_ASSERT(item->ID >= 1 && item->ID <= 0x7FFFFFFE);
+    FUZZ_ASSERT(item->Size != 0 && item->Size % 2 == 0 && item->Text()[item->Size / 2] == 0);
+    if (i > 0) FUZZ_ASSERT(table._ResourceStringItem(i - 1)->ID < item->ID);
+  }
+  tavi::XSetUserInterface(nullptr);
+  return 0;
+}

@@ -1,0 +1,244 @@
+//===- string_resource_coll_test.cpp - String tables and language files ----===//
+#include "tavi/resource/string_resource_coll.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tavi/core/buffer.h"
+#include "tavi/core/title_text.h"
+#include "tavi/core/user_interface.h"
+
+namespace tavi {
+namespace {
+
+// Records the message boxes shown while it is installed.
+struct BoxRecorder {
+  struct Box {
+    std::u16string text, caption;
+    uint32_t style;
+  };
+  static inline std::vector<Box> boxes;
+  XUserInterface table{};
+  const XUserInterface* saved;
+  BoxRecorder() {
+    boxes.clear();
+    table.message_box = [](XWindow, const char16_t* text, const char16_t* caption, uint32_t style) {
+      boxes.push_back({text, caption, style});
+      return kIdOk;
+    };
+    saved = XSetUserInterface(&table);
+  }
+  ~BoxRecorder() { XSetUserInterface(saved); }
+};
+
+XBuffer Wide(const std::u16string& text) {
+  XBuffer b;
+  EXPECT_TRUE(b.Add(text.data(), static_cast<uint32_t>(text.size() * 2)));
+  return b;
+}
+
+std::u16string Text(TStringResource& r, int32_t id) {
+  const char16_t* t = r._Get(id);
+  return t == nullptr ? u"<none>" : std::u16string(t);
+}
+
+TEST(LanguageFile, LinesValuesAndEscapes) {
+  struct Case {
+    const char16_t* file;
+    bool ok;
+    std::map<int32_t, std::u16string> want;
+  } cases[] = {
+      {u"; comment\n12=Hello\n13=\"  two  \"\n14=a\\tb\n",
+       true,
+       {{12, u"Hello"}, {13, u"  two  "}, {14, u"a\tb"}}},
+      // CR LF, no final line end, escapes, unknown escape and trailing backslash kept.
+      {u"1=x\\\\y\\n\\r\\q\r\n2=end\\", true, {{1, u"x\\y\n\r\\q"}, {2, u"end\\"}}},
+      // The last quote closes; text after it is dropped; a lone quote stays.
+      {u"3=\"a\"b\"c\n4=\"open\n5=\"\n6=\" x \" # note",
+       true,
+       {{3, u"a\"b"}, {4, u"\"open"}, {5, u"\""}, {6, u" x "}}},
+      // Escapes are decoded after unquoting.
+      {u"7=\"\\\"q\\\"\"", true, {{7, u"\\\"q\\\""}}},
+      // Range ends and lines that are comments.
+      {u"1=lo\n2147483646=hi\n 5=x\n5 = x\n5x=y\n=z\n",
+       true,
+       {{1, u"lo"}, {2147483646, u"hi"}, {5, u"<none>"}}},
+      {u"0=x\n9=ok", false, {{0, u"<none>"}, {9, u"ok"}}},
+      {u"2147483647=x\n9=ok", false, {{9, u"ok"}}},
+      {u"99999999999999999999=x\n9=ok", false, {{9, u"ok"}}},
+      // Empty values fail, also when only the quotes are there.
+      {u"8=\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
+      {u"8=\"\"\r\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
+      // Only comments: nothing loaded is a failure too.
+      {u"# nothing\n\n", false, {}},
+      {u"", false, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.file, c.file + std::char_traits<char16_t>::length(c.file)));
+    TTextFileStringResource r;
+    XBuffer b = Wide(c.file);
+    EXPECT_EQ(r.AddResources(b), c.ok);
+    for (const auto& [id, text] : c.want) EXPECT_EQ(Text(r, id), text) << id;
+  }
+}
+
+TEST(LanguageFile, DuplicateShowsOneBoxAndKeepsFirst) {
+  BoxRecorder ui;
+  TTextFileStringResource r;
+  XBuffer b = Wide(u"20=first\n20=second\n21=x\n");
+  EXPECT_FALSE(r.AddResources(b));
+  ASSERT_EQ(BoxRecorder::boxes.size(), 1u);
+  EXPECT_EQ(BoxRecorder::boxes[0].text, u"Duplicated ID: 20\r\n\r\nsecond");
+  EXPECT_EQ(BoxRecorder::boxes[0].caption, u"Resource string error");
+  EXPECT_EQ(BoxRecorder::boxes[0].style, kMbIconError);
+  EXPECT_EQ(Text(r, 20), u"first");
+  EXPECT_EQ(r.GetCount(), 2u);
+}
+
+// Out-of-order adds against a sorted reference model.
+TEST(StringResourceColl, RandomOrderMatchesModel) {
+  TStringResourceColl r;
+  std::map<int32_t, std::u16string> model;
+  std::mt19937 rng(7);
+  for (int i = 0; i < 2000; ++i) {
+    int32_t id = static_cast<int32_t>(rng() % 5000) - 100;
+    std::u16string text(1 + rng() % 5, static_cast<char16_t>(u'a' + i % 26));
+    bool fresh = model.emplace(id, text).second;
+    BoxRecorder ui;
+    EXPECT_EQ(r.AddResource(id, text.data(), static_cast<uint32_t>(text.size() * 2)) != nullptr,
+              fresh);
+  }
+  ASSERT_EQ(r.GetCount(), model.size());
+  uint32_t i = 0;
+  for (const auto& [id, text] : model) {
+    TResourceStringItem* item = r._ResourceStringItem(i);
+    EXPECT_EQ(item->ID, id);
+    EXPECT_EQ(item->Size, text.size() * 2);
+    EXPECT_EQ(std::u16string(item->Text()), text);
+    EXPECT_EQ(r._GetResourceStringIndex(id), i++);
+  }
+  EXPECT_EQ(r._GetResourceStringIndex(-101), kNoIndex);
+  EXPECT_EQ(r._GetResourceStringIndex(4900), kNoIndex);
+  EXPECT_EQ(r._AddResource(1, u"", 0u), nullptr);
+}
+
+TEST(StringResourceColl, MissesGivePlaceholders) {
+  TStringResourceColl r;
+  EXPECT_EQ(r._Get(99), nullptr);
+  EXPECT_EQ(std::u16string(static_cast<TStringResource&>(r).Get(99)), u"???");
+  EXPECT_EQ(r.GetCount(), 0u);
+  EXPECT_EQ(std::u16string(r.Get(99)), u"??? SID=99 ???");
+  EXPECT_EQ(r.GetCount(), 1u);
+  EXPECT_EQ(Text(r, 99), u"??? SID=99 ???");
+  EXPECT_EQ(std::u16string(r.Get(-5)), u"??? SID=-5 ???");
+
+  XBuffer b;
+  EXPECT_FALSE(r._Write(b, 7));
+  EXPECT_TRUE(r.Write(b, 7));
+  EXPECT_TRUE(r.SetBuffer(b, 8));  // base fallback writes "???" without adding
+  EXPECT_EQ(std::u16string(static_cast<const char16_t*>(b.GetBuffer()), b.GetBufferPos() / 2),
+            u"???");
+  EXPECT_EQ(r._GetResourceString(8), nullptr);
+  EXPECT_TRUE(r._SetBuffer(b, 7));
+  EXPECT_EQ(std::u16string(static_cast<const char16_t*>(b.GetBuffer()), b.GetBufferPos() / 2),
+            u"??? SID=7 ???");
+}
+
+TEST(StringResourceColl, ConcurrentMissesAddOnePlaceholderEach) {
+  TStringResourceColl r;
+  BoxRecorder ui;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&r] {
+      for (int32_t id = 1; id <= 300; ++id) EXPECT_NE(r.GetResourceString(id), nullptr);
+    });
+  }
+  for (auto& t : threads) t.join();
+  EXPECT_EQ(r.GetCount(), 300u);
+}
+
+TEST(StringResourceColl, AttachPointsAtItemTexts) {
+  TTextFileStringResource r;
+  XBuffer b = Wide(u"10=ten\n11=eleven\n12=twelve\n");
+  ASSERT_TRUE(r.AddResources(b));
+  TTitleTextBase one;
+  ASSERT_TRUE(one.Set(u"owned", 10, false));
+  ASSERT_TRUE(r._Attach(one, 11));
+  EXPECT_TRUE(one.IsAttached());
+  EXPECT_EQ(one.text, r._Get(11));
+  EXPECT_EQ(one.Len() * 2, 12u);
+  EXPECT_FALSE(r._Attach(one, 13));
+  EXPECT_EQ(one.text, r._Get(11));
+
+  struct Row {
+    TTitleTextBase title;
+    int pad;
+  } rows[3];
+  EXPECT_TRUE(r.Attach(&rows[0].title, 10, 3, sizeof(Row)));
+  EXPECT_EQ(std::u16string(rows[2].title.text), u"twelve");
+  EXPECT_FALSE(r.Attach(&rows[0].title, 10, 0, sizeof(Row)));
+  EXPECT_FALSE(r.Attach(&rows[0].title, 9, 1, sizeof(Row)));
+  EXPECT_FALSE(r.Attach(&rows[0].title, 11, 3, sizeof(Row)));  // runs past the end
+}
+
+TEST(StringResourceHeap, LivesInTheHeapAndDropsWithIt) {
+  XPrivateHeap heap;
+  auto* r = new (&heap) TTextFileStringResourceHeap(&heap);
+  std::u16string file;
+  for (int i = 1; i <= 100; ++i)
+    file += std::u16string(u"") + u"1" + char16_t(u'0' + i / 100) + char16_t(u'0' + i / 10 % 10) +
+            char16_t(u'0' + i % 10) + u"=text\n";
+  XBuffer b = Wide(file);
+  ASSERT_TRUE(r->AddResources(b));
+  EXPECT_EQ(r->GetCount(), 100u);
+  // The object, the slot array and every item.
+  EXPECT_EQ(heap.BlockCount(), 102u);
+  void* block = nullptr;
+  ASSERT_TRUE(r->MemRealloc(&block, 16));
+  ASSERT_TRUE(r->MemRealloc(&block, 4096));
+  EXPECT_EQ(heap.BlockCount(), 103u);
+  EXPECT_TRUE(r->MemFree(block));
+  EXPECT_TRUE(r->MemFree(nullptr));
+  delete r;
+  EXPECT_EQ(heap.BlockCount(), 0u);
+
+  // Dropping the heap alone frees a whole language (checked by the leak checker).
+  auto* lost = new (&heap) TTextFileStringResourceHeap(&heap);
+  XBuffer again = Wide(file);
+  ASSERT_TRUE(lost->AddResources(again));
+}
+
+// Dialog items are numbered windows; the test table records the texts set on them.
+TEST(StringResource, SetDlgItemsTextFillsExistingItems) {
+  static std::map<intptr_t, std::u16string> set;
+  set.clear();
+  XUserInterface ui{};
+  ui.get_dialog_item = [](XWindow, int32_t item) {
+    return item == 3 ? nullptr : reinterpret_cast<XWindow>(static_cast<intptr_t>(item) + 100);
+  };
+  ui.set_window_text = [](XWindow w, const char16_t* text) {
+    set[reinterpret_cast<intptr_t>(w) - 100] = text;
+    return true;
+  };
+  const XUserInterface* saved = XSetUserInterface(&ui);
+  TTextFileStringResource r;
+  XBuffer b = Wide(u"1=one\n2=two\n4=four\n");
+  ASSERT_TRUE(r.AddResources(b));
+  const int32_t list[] = {1, 3, 4, 0};
+  TStringResource& base = r;
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, list));
+  EXPECT_EQ(set, (std::map<intptr_t, std::u16string>{{1, u"one"}, {4, u"four"}}));
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, 2, 3));  // 2, 3 (no item), 4
+  EXPECT_EQ(set[2], u"two");
+  EXPECT_TRUE(base.SetDlgItemsText(nullptr, list + 2, 2));  // 4 and 0 (a missing string)
+  EXPECT_EQ(set[0], u"???");
+  XSetUserInterface(saved);
+}
+
+}  // namespace
+}  // namespace tavi
