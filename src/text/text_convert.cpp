@@ -202,6 +202,12 @@ uint16_t ConvertLoadedText(XBuffer& buffer, uint16_t source_format, uint16_t buf
   }
 
   if (source == want || size == 0) {
+    // Wide text holds whole units: a file cut inside one is damaged, and its
+    // terminator would not fall on a unit boundary for callers that scan for it.
+    const uint32_t unit = want == kTextUtf16 || want == kTextUtf16BE   ? 2
+                          : want == kTextUtf32 || want == kTextUtf32BE ? 4
+                                                                       : 1;
+    if (size % unit != 0) return Refuse(report, kErrEndOfData);
     if (!XIsUnicodeTextFormat(want)) {
       // XRemoveDOSNewLines looks at the byte after the text: terminate it first.
       if (!Finish(buffer, size, report)) return 0;

@@ -161,6 +161,10 @@ TEST(TextFile, LoadFailures) {
        0, 1252, 0x20000004},
       {"a\xED\xA0\x80", 65001, 1025, 0x20000004},
       {B("\xFF\xFE\x41"), 0, 1252, 0x20000004},
+      // Wide text cut inside a unit, also when no conversion runs.
+      {B("\xFF\xFE\x41"), 0, 1025, 0x20000004},
+      {B("\xFE\xFF\x00\x41\x00"), 0, 1026, 0x20000004},
+      {B("\xFF\xFE\x00\x00\x41\x00"), 0, 33795, 0x20000004},
       {B("\xFF\xFE\x00\x00\x00\x00\x11\x00"), 0, 1025, 0x20000004},
       {B("\xFF\xFE\x00\x00\x00\xD8\x00\x00"), 0, 1025, 0x20000004},
       {B("\xFF\xFE\x00\x00\x41\x00\x00"), 0, 1025, 0x20000004},
