@@ -211,15 +211,14 @@ TResourceStringItem* TStringResourceColl::_GetResourceString(int32_t id) const {
 }
 
 TResourceStringItem* TStringResourceColl::GetResourceString(int32_t id) {
+  // The lookup holds the lock that adding takes: a miss elsewhere inserts, which may
+  // move the item array under a reader.
+  std::lock_guard lock(mutex_);
   if (TResourceStringItem* item = _GetResourceString(id)) return item;
   char16_t text[32] = u"??? SID=";
   char16_t* end = PutDecimal(text + 8, id);
   for (const char16_t* s = u" ???"; *s != 0; ++s) *end++ = *s;
-  if (TResourceStringItem* item = AddResource(id, text, static_cast<uint32_t>(end - text) * 2)) {
-    return item;
-  }
-  // Another thread may have added it between the lookup and the lock.
-  return _GetResourceString(id);
+  return _AddResource(id, text, static_cast<uint32_t>(end - text) * 2);
 }
 
 const char16_t* TStringResourceColl::_Get(int32_t id) {

@@ -101,8 +101,10 @@ class TAVI_API TStringResourceColl : public TStringResource, public XCollection 
   TResourceStringItem* _ResourceStringItem(uint32_t index) const {
     return static_cast<TResourceStringItem*>(Items[index]);
   }
-  // _GetResourceString returns the item of id or null; GetResourceString adds the
-  // placeholder on a miss (null only when memory runs out).
+  // _GetResourceString returns the item of id or null, without locking: only for a
+  // table no other thread adds to. GetResourceString looks up and, on a miss, adds
+  // the placeholder under the adding lock, so threads may share one table (null only
+  // when memory runs out).
   TResourceStringItem* _GetResourceString(int32_t id) const;
   TResourceStringItem* GetResourceString(int32_t id);
 
