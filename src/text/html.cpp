@@ -562,6 +562,31 @@ bool Pass(XRoutedIO& self, XIO& next, const char16_t* data, size_t units) {
   return false;
 }
 
+// Takes the next UTF-16 unit from bytes written to a filter, which may split a unit
+// between two writes: a lone last byte is kept in odd until the next write. False
+// when the bytes are used up.
+bool NextUnit(const uint8_t*& p, uint32_t& bytes, bool& has_odd, uint8_t& odd, char16_t& c) {
+  if (bytes == 0) return false;
+  if (has_odd) {
+    const uint8_t pair[2] = {odd, p[0]};
+    std::memcpy(&c, pair, 2);
+    has_odd = false;
+    ++p;
+    --bytes;
+    return true;
+  }
+  if (bytes == 1) {
+    odd = p[0];
+    has_odd = true;
+    --bytes;
+    return false;
+  }
+  std::memcpy(&c, p, 2);
+  p += 2;
+  bytes -= 2;
+  return true;
+}
+
 }  // namespace
 
 bool XHtmlToTextIO::_Write(const void* data, uint32_t bytes) {
@@ -573,23 +598,8 @@ bool XHtmlToTextIO::_Write(const void* data, uint32_t bytes) {
   }
   State& s = *state_;
   const auto* p = static_cast<const uint8_t*>(data);
-  while (bytes > 0) {
-    char16_t c;
-    if (s.has_odd) {
-      const uint8_t pair[2] = {s.odd, p[0]};
-      std::memcpy(&c, pair, 2);
-      s.has_odd = false;
-      ++p;
-      --bytes;
-    } else if (bytes == 1) {
-      s.odd = p[0];
-      s.has_odd = true;
-      break;
-    } else {
-      std::memcpy(&c, p, 2);
-      p += 2;
-      bytes -= 2;
-    }
+  char16_t c;
+  while (NextUnit(p, bytes, s.has_odd, s.odd, c)) {
     s.end = s.reader.Put(c, s.end);
     if (s.end - s.buffer >= static_cast<ptrdiff_t>(kChunk)) {
       const size_t n = static_cast<size_t>(s.end - s.buffer);
@@ -638,23 +648,8 @@ bool XTextToHtmlIO::_Write(const void* data, uint32_t bytes) {
   const auto* p = static_cast<const uint8_t*>(data);
   char16_t buffer[kChunk * kTextToHtmlGrowth];
   char16_t* end = buffer;
-  while (bytes > 0) {
-    char16_t c;
-    if (has_odd_) {
-      const uint8_t pair[2] = {odd_, p[0]};
-      std::memcpy(&c, pair, 2);
-      has_odd_ = false;
-      ++p;
-      --bytes;
-    } else if (bytes == 1) {
-      odd_ = p[0];
-      has_odd_ = true;
-      break;
-    } else {
-      std::memcpy(&c, p, 2);
-      p += 2;
-      bytes -= 2;
-    }
+  char16_t c;
+  while (NextUnit(p, bytes, has_odd_, odd_, c)) {
     end = PutHtml(c, after_cr_, end);
     if (end - buffer > static_cast<ptrdiff_t>((kChunk - 1) * kTextToHtmlGrowth)) {
       const size_t n = static_cast<size_t>(end - buffer);
