@@ -144,9 +144,7 @@ bool XConvertIO::_Flush() {
     }
     return false;
   }
-  if (next->_Flush()) return true;
-  ImportErrorCode(*next);
-  return false;
+  return XRoutedIO::_Flush();
 }
 
 uint32_t XConvertIO::_Read(void* data, uint32_t bytes) {

@@ -623,11 +623,7 @@ bool XHtmlToTextIO::_Flush() {
   const size_t n = static_cast<size_t>(s.end - s.buffer);
   s.end = s.buffer;
   if (!Pass(*this, *next, s.buffer, n)) return false;
-  if (!next->_Flush()) {
-    ImportErrorCode(*next);
-    return false;
-  }
-  return true;
+  return XRoutedIO::_Flush();
 }
 
 uint32_t XHtmlToTextIO::_Read(void*, uint32_t) {
@@ -661,15 +657,10 @@ bool XTextToHtmlIO::_Write(const void* data, uint32_t bytes) {
 }
 
 bool XTextToHtmlIO::_Flush() {
-  XIO* next = Next();
-  if (next == nullptr) return false;
+  if (Next() == nullptr) return false;
   has_odd_ = false;
   after_cr_ = false;
-  if (!next->_Flush()) {
-    ImportErrorCode(*next);
-    return false;
-  }
-  return true;
+  return XRoutedIO::_Flush();
 }
 
 uint32_t XTextToHtmlIO::_Read(void*, uint32_t) {
