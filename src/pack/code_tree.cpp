@@ -111,6 +111,11 @@ uint64_t EstimateBits(const uint64_t counts[256], const CodeTree& tree, const Co
 }
 
 void CountBytes(const uint8_t* data, uint64_t size, uint64_t counts[256]) {
+  // Short stretches (the literals between references) are not worth the set-up.
+  if (size < 1024) {
+    for (uint64_t i = 0; i < size; ++i) ++counts[data[i]];
+    return;
+  }
   // Four histograms in 32-bit counters, folded into the 64-bit ones every 2^31 bytes
   // so that no counter can wrap.
   uint32_t h[4][256];

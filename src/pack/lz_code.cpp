@@ -7,6 +7,7 @@
 //
 //===----------------------------------------------------------------------===//
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -50,109 +51,218 @@ uint32_t MatchLength(const uint8_t* a, const uint8_t* b, uint32_t from, uint32_t
 }
 
 // --- LZX3Code's search: position lists per byte value -----------------------
+//
+// For every byte value the coder keeps up to 256 positions it occurred at. At p it
+// walks the list of data[p] from its oldest entry in the window and, when the list
+// is full, scans the data after the list's last entry for the same byte. The walk
+// keeps the longest reference, the oldest of equals.
+//
+// The fast path finds the same references with less work: a reference needs five
+// equal bytes, so it walks a hash chain over five-byte keys instead, and keeps a note
+// of which positions the lists hold. A chained position is a candidate of the lists'
+// walk when its list holds it or, for a full list, when it lies after the list's last
+// entry (the scan's share); every other position the walk would try cannot give a
+// reference, so both walks end on the same one.
 
+// Up to 256 positions per byte value, oldest first, in a ring per value.
 class PositionLists {
  public:
   static constexpr uint32_t kEntries = 256;
 
   explicit PositionLists(uint64_t window) : window_(window) {}
 
-  struct List {
-    uint64_t pos[kEntries];
-    uint32_t count;
-  };
-  List& operator[](uint8_t b) { return lists_[b]; }
+  uint32_t Count(uint8_t b) const { return lists_[b].count; }
+  // At is the i-th oldest recorded position of b.
+  uint64_t At(uint8_t b, uint32_t i) const {
+    const List& list = lists_[b];
+    return list.pos[(list.first + i) % kEntries];
+  }
 
   // Records position p of byte b. A full list first drops the entries that have left
-  // the window; when none has, p stays unrecorded (the byte scan finds it).
-  void Record(uint8_t b, uint64_t p) {
+  // the window; when none has, p stays unrecorded (the byte scan finds it) and the
+  // result is false.
+  bool Record(uint8_t b, uint64_t p) {
     List& list = lists_[b];
     if (list.count == kEntries) {
-      // Entries are in ascending order: the ones out of the window are a prefix.
       const uint64_t lo = p > window_ ? p - window_ : 0;
-      const uint64_t* first_kept = std::lower_bound(list.pos, list.pos + kEntries, lo);
-      const auto dropped = static_cast<uint32_t>(first_kept - list.pos);
-      if (dropped != 0) {
-        std::memmove(list.pos, first_kept, (kEntries - dropped) * sizeof list.pos[0]);
-        list.count = kEntries - dropped;
+      while (list.count != 0 && list.pos[list.first] < lo) {
+        list.first = (list.first + 1) % kEntries;
+        --list.count;
       }
+      if (list.count == kEntries) return false;
     }
-    if (list.count < kEntries) list.pos[list.count++] = p;
+    list.pos[(list.first + list.count++) % kEntries] = p;
+    return true;
   }
 
  private:
+  struct List {
+    uint64_t pos[kEntries];
+    uint32_t first;
+    uint32_t count;
+  };
   uint64_t window_;
   List lists_[256] = {};
 };
 
-std::vector<Ref> ParseX3(const uint8_t* d, uint64_t size, uint64_t window) {
+// The best reference at p among candidates offered in ascending order: the longest,
+// the oldest of equals.
+class BestMatch {
+ public:
+  BestMatch(const uint8_t* d, uint64_t size, uint64_t p)
+      : d_(d),
+        p_(p),
+        max_len_(static_cast<uint32_t>(std::min<uint64_t>(size - p, kMaxLength))),
+        limit_(static_cast<int64_t>(p) - static_cast<int64_t>(kMinLength)) {}
+
+  // Whether c is beyond the latest candidate that can still give a longer reference.
+  // The limit is signed: it starts below the block for the first positions.
+  bool Beyond(uint64_t c) const { return static_cast<int64_t>(c) > limit_; }
+  uint64_t Limit() const { return static_cast<uint64_t>(limit_); }
+  uint32_t length() const { return best_; }
+  uint32_t distance() const { return static_cast<uint32_t>(p_ - best_c_); }
+
+  // Offer tries candidate c <= Limit(); false once no later candidate can be longer.
+  bool Offer(uint64_t c) {
+    const uint64_t room = p_ - c - 1;  // distance >= length + 1
+    const uint32_t cap = static_cast<uint32_t>(std::min<uint64_t>(room, max_len_));
+    if (cap <= best_) return false;  // later candidates are closer still
+    // A candidate differing at byte best cannot be longer than best.
+    if (best_ != 0 && d_[c + best_] != d_[p_ + best_]) return true;
+    if (cap >= kMinLength && std::memcmp(d_ + c + 1, d_ + p_ + 1, 4) == 0) {
+      const uint32_t len = MatchLength(d_ + c, d_ + p_, kMinLength, cap);
+      if (len > best_) {
+        best_ = len;
+        best_c_ = c;
+        limit_ = static_cast<int64_t>(p_) - len - 1;
+        if (limit_ <= static_cast<int64_t>(c)) return false;
+      }
+    }
+    return true;
+  }
+
+ private:
+  const uint8_t* d_;
+  uint64_t p_;
+  uint32_t max_len_;
+  int64_t limit_;
+  uint32_t best_ = 0;
+  uint64_t best_c_ = 0;
+};
+
+// The lists' own walk for the byte b = d[p], whose list is not empty.
+void WalkLists(const PositionLists& lists, const uint8_t* d, uint8_t b, uint64_t lo, BestMatch& m) {
+  const uint32_t count = lists.Count(b);
+  // Entries are ascending: skip the ones below the window by bisection.
+  uint32_t i = 0;
+  for (uint32_t n = count; n != 0;) {
+    const uint32_t half = n / 2;
+    if (lists.At(b, i + half) < lo) {
+      i += half + 1;
+      n -= half + 1;
+    } else {
+      n = half;
+    }
+  }
+  for (; i < count; ++i) {
+    const uint64_t c = lists.At(b, i);
+    if (m.Beyond(c) || !m.Offer(c)) return;
+  }
+  if (count != PositionLists::kEntries) return;
+  // The list has overflowed: scan the data beyond its last entry for b.
+  for (uint64_t c = std::max(lists.At(b, count - 1) + 1, lo); !m.Beyond(c); ++c) {
+    const auto* hit =
+        static_cast<const uint8_t*>(std::memchr(d + c, b, static_cast<size_t>(m.Limit() - c + 1)));
+    if (hit == nullptr) return;
+    c = static_cast<uint64_t>(hit - d);
+    if (!m.Offer(c)) return;
+  }
+}
+
+// Hash chains over the five bytes at every position, with the lists' verdict on each.
+class KeyChains {
+ public:
+  KeyChains(const uint8_t* d, uint64_t size, uint64_t window)
+      : d_(d),
+        // The ring outlives the window, so no live link is overwritten.
+        ring_mask_(std::bit_ceil(std::min(window, size) + kMinLength + 1) - 1),
+        hash_shift_(64 - std::clamp(static_cast<int>(std::bit_width(size)), 8, 16)),
+        head_(uint64_t{1} << (64 - hash_shift_), -1),
+        prev_(std::make_unique_for_overwrite<int64_t[]>(ring_mask_ + 1)),
+        held_(std::make_unique_for_overwrite<uint8_t[]>(ring_mask_ + 1)),
+        found_(std::make_unique_for_overwrite<uint64_t[]>(ring_mask_ + 1)) {}
+
+  void NoteRecorded(uint64_t p, bool held) { held_[p & ring_mask_] = held; }
+
+  // Offers m the chained candidates before p - 4 that the lists' walk would try, in
+  // ascending order. last is the latest recorded position of d[p].
+  void Walk(uint64_t p, uint64_t lo, uint64_t last, BestMatch& m) {
+    const uint64_t mask = ring_mask_;
+    int64_t* const prev = prev_.get();
+    for (; next_ + kMinLength <= p; ++next_) {
+      const uint64_t h = Hash(next_);
+      prev[next_ & mask] = head_[h];
+      head_[h] = static_cast<int64_t>(next_);
+    }
+    const uint8_t* const held = held_.get();
+    uint64_t* const found = found_.get();
+    const uint64_t key = Key(p);
+    size_t n = 0;
+    for (int64_t c = head_[Hash(p)]; c >= static_cast<int64_t>(lo);
+         c = prev[static_cast<uint64_t>(c) & mask]) {
+      const auto cand = static_cast<uint64_t>(c);
+      if (Key(cand) == key && (held[cand & mask] || cand > last)) found[n++] = cand;
+    }
+    while (n != 0) {
+      const uint64_t c = found[--n];
+      if (m.Beyond(c) || !m.Offer(c)) return;
+    }
+  }
+
+ private:
+  uint64_t Key(uint64_t p) const { return internal::LoadLE32(d_ + p) | uint64_t{d_[p + 4]} << 32; }
+  uint64_t Hash(uint64_t p) const { return (Key(p) * 0x9E3779B97F4A7C15u) >> hash_shift_; }
+
+  const uint8_t* d_;
+  uint64_t ring_mask_;
+  int hash_shift_;
+  uint64_t next_ = 0;  // the next position to chain
+  std::vector<int64_t> head_;
+  // prev, held and found are read only where written.
+  std::unique_ptr<int64_t[]> prev_;
+  std::unique_ptr<uint8_t[]> held_;
+  std::unique_ptr<uint64_t[]> found_;  // one search's candidates, newest first
+};
+
+std::vector<Ref> ParseX3(const uint8_t* d, uint64_t size, uint64_t window, bool fast) {
   std::vector<Ref> refs;
   if (size <= kBlockLiteralsOnly) return refs;
   auto lists = std::make_unique<PositionLists>(window);
+  std::unique_ptr<KeyChains> chains;
+  if (fast) chains = std::make_unique<KeyChains>(d, size, window);
+  auto record = [&](uint64_t q) {
+    const bool held = lists->Record(d[q], q);
+    if (fast) chains->NoteRecorded(q, held);
+  };
   uint64_t p = 0;
   while (size - p >= kMinLength) {
     const uint8_t b = d[p];
-    PositionLists::List& list = (*lists)[b];
-    if (list.count == 0) {
-      lists->Record(b, p);
-      ++p;
+    if (lists->Count(b) == 0) {
+      record(p++);
       continue;
     }
     const uint64_t lo = p > window ? p - window : 0;
-    const uint32_t max_len = static_cast<uint32_t>(std::min<uint64_t>(size - p, kMaxLength));
-    uint32_t best = 0;
-    uint64_t best_c = 0;
-    // limit is the latest candidate that can still give a longer reference; signed,
-    // as it starts below the block for the first positions.
-    int64_t limit = static_cast<int64_t>(p) - static_cast<int64_t>(kMinLength);
-    // Evaluates candidate c; false ends the walk.
-    auto consider = [&](uint64_t c) {
-      const uint64_t room = p - c - 1;  // distance >= length + 1
-      const uint32_t cap = static_cast<uint32_t>(std::min<uint64_t>(room, max_len));
-      if (cap <= best) return false;  // later candidates are closer still
-      // A candidate differing at byte best cannot be longer than best.
-      if (best != 0 && d[c + best] != d[p + best]) return true;
-      if (cap >= kMinLength && std::memcmp(d + c + 1, d + p + 1, 4) == 0) {
-        const uint32_t len = MatchLength(d + c, d + p, kMinLength, cap);
-        if (len > best) {
-          best = len;
-          best_c = c;
-          limit = static_cast<int64_t>(p) - len - 1;
-          if (limit <= static_cast<int64_t>(c)) return false;
-        }
-      }
-      return true;
-    };
-    bool walking = true;
-    const auto first =
-        static_cast<uint32_t>(std::lower_bound(list.pos, list.pos + list.count, lo) - list.pos);
-    for (uint32_t i = first; walking && i < list.count; ++i) {
-      const uint64_t c = list.pos[i];
-      if (static_cast<int64_t>(c) > limit) {
-        walking = false;
-        break;
-      }
-      walking = consider(c);
-    }
-    if (walking && list.count == PositionLists::kEntries) {
-      // The list has overflowed: scan the data beyond its last entry for b.
-      uint64_t c = std::max(list.pos[list.count - 1] + 1, lo);
-      while (walking && static_cast<int64_t>(c) <= limit) {
-        const auto* hit = static_cast<const uint8_t*>(
-            std::memchr(d + c, b, static_cast<size_t>(static_cast<uint64_t>(limit) - c + 1)));
-        if (hit == nullptr) break;
-        c = static_cast<uint64_t>(hit - d);
-        walking = consider(c);
-        ++c;
-      }
-    }
-    if (best >= kMinLength) {
-      refs.push_back({p, best, static_cast<uint32_t>(p - best_c)});
-      for (uint64_t q = p; q < p + best; ++q) lists->Record(d[q], q);
-      p += best;
+    BestMatch m(d, size, p);
+    if (fast) {
+      chains->Walk(p, lo, lists->At(b, lists->Count(b) - 1), m);
     } else {
-      lists->Record(b, p);
-      ++p;
+      WalkLists(*lists, d, b, lo, m);
+    }
+    if (m.length() >= kMinLength) {
+      refs.push_back({p, m.length(), m.distance()});
+      for (const uint64_t end = p + m.length(); p < end;) record(p++);
+    } else {
+      record(p++);
     }
   }
   return refs;
@@ -393,7 +503,8 @@ bool Code(XIO& out, const uint8_t* data, uint64_t size, uint64_t window, bool st
   window = std::min(window, kLZWindowMax);
   std::vector<Ref> refs;
   try {
-    refs = strong ? ParseX4(data, size, window) : ParseX3(data, size, window);
+    const bool fast = pack_internal::CoderActivePath() == pack_internal::CoderPath::kFast;
+    refs = strong ? ParseX4(data, size, window) : ParseX3(data, size, window, fast);
   } catch (const std::bad_alloc&) {
     out.SetSafeErrorCode(kErrNoMemory);
     return false;
