@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
 #include <string>
@@ -71,6 +72,8 @@ TEST(LanguageFile, LinesValuesAndEscapes) {
       {u"0=x\n9=ok", false, {{0, u"<none>"}, {9, u"ok"}}},
       {u"2147483647=x\n9=ok", false, {{9, u"ok"}}},
       {u"99999999999999999999=x\n9=ok", false, {{9, u"ok"}}},
+      // Digit runs that pass 2^32 must not wrap back into the range (4294967297 is 1).
+      {u"4294967297=x\n9999999999=y\n9=ok", false, {{1, u"<none>"}, {9, u"ok"}}},
       // Empty values fail, also when only the quotes are there.
       {u"8=\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
       {u"8=\"\"\r\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
@@ -98,6 +101,70 @@ TEST(LanguageFile, DuplicateShowsOneBoxAndKeepsFirst) {
   EXPECT_EQ(BoxRecorder::boxes[0].style, kMbIconError);
   EXPECT_EQ(Text(r, 20), u"first");
   EXPECT_EQ(r.GetCount(), 2u);
+}
+
+// The walk hands over every line, numbered, with the verdict the load reached; the
+// stored strings are exactly the lines it calls added.
+TEST(LanguageFile, LineVerdictsFollowTheLoad) {
+  using V = XLanguageLineVerdict;
+  struct Seen {
+    uint32_t number;
+    V verdict;
+    int32_t id;
+    std::u16string digits, value;
+    bool operator==(const Seen&) const = default;
+  };
+  static std::vector<Seen> seen;
+  seen.clear();
+  auto sink = [](void* context, const XLanguageFileLine& line) {
+    EXPECT_EQ(context, &seen);
+    seen.push_back({line.number, line.verdict, line.id,
+                    std::u16string(line.digits, line.digit_count),
+                    line.value != nullptr ? std::u16string(line.value, line.value_units) : u"-"});
+  };
+  BoxRecorder ui;
+  TTextFileStringResource r;
+  XBuffer b = Wide(
+      u"# c\r\n\r\n12=\"a\\tb\"\r\n0=x\n99999999999=y\n5 = x\n77\n14=\n15=\"\"\n12=again\n"
+      u"013=last");
+  EXPECT_FALSE(r.AddResources(b, sink, &seen));
+  const std::vector<Seen> want = {
+      {1, V::kComment, 0, u"", u"-"},
+      {2, V::kComment, 0, u"", u"-"},
+      {3, V::kAdded, 12, u"12", u"a\tb"},
+      {4, V::kIdOutOfRange, 0, u"0", u"x"},
+      {5, V::kIdOutOfRange, 0x7FFFFFFF, u"99999999999", u"y"},
+      {6, V::kDigitsComment, 5, u"5", u"-"},
+      {7, V::kDigitsComment, 77, u"77", u"-"},
+      {8, V::kEmptyValue, 14, u"14", u""},
+      {9, V::kEmptyValue, 15, u"15", u""},
+      {10, V::kDuplicate, 12, u"12", u"again"},
+      {11, V::kAdded, 13, u"013", u"last"},
+  };
+  EXPECT_EQ(seen.size(), want.size());
+  for (size_t i = 0; i < std::min(seen.size(), want.size()); ++i) {
+    SCOPED_TRACE(i + 1);
+    EXPECT_TRUE(seen[i] == want[i]) << static_cast<int>(seen[i].verdict) << " id " << seen[i].id;
+  }
+  EXPECT_EQ(r.GetCount(), 2u);
+  EXPECT_EQ(Text(r, 12), u"a\tb");
+  EXPECT_EQ(Text(r, 13), u"last");
+  EXPECT_EQ(BoxRecorder::boxes.size(), 1u);  // the duplicate is still shown
+
+  // A clean load agrees with the walk; a table that already holds an ID makes that
+  // line a duplicate.
+  seen.clear();
+  XBuffer clean = Wide(u"1=a\n2=b\n");
+  TTextFileStringResource t;
+  EXPECT_TRUE(t.AddResources(clean, sink, &seen));
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[1].verdict, V::kAdded);
+  seen.clear();
+  XBuffer again = Wide(u"3=c\n2=b");
+  EXPECT_FALSE(t.AddResources(again, sink, &seen));
+  ASSERT_EQ(seen.size(), 2u);
+  EXPECT_EQ(seen[0].verdict, V::kAdded);
+  EXPECT_EQ(seen[1].verdict, V::kDuplicate);
 }
 
 // Out-of-order adds against a sorted reference model.
