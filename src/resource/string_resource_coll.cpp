@@ -15,6 +15,7 @@
 #include "tavi/core/title_text.h"
 #include "tavi/file/file.h"
 #include "tavi/io/stream.h"
+#include "tavi/text/language.h"
 #include "tavi/text/text_file.h"
 
 namespace tavi {
@@ -393,6 +394,25 @@ bool TTextFileStringResource::LoadTextFile(XBuffer& buffer, XString16& path, XLa
 bool TTextFileStringResource::LoadTextFile(XString16& path) {
   XBuffer buffer;
   return LoadTextFile(buffer, path);
+}
+
+bool TTextFileStringResource::LoadLanguageFile(XBuffer& buffer, XString16& path,
+                                               const char16_t* folder, const char16_t* name,
+                                               const char16_t* tag) {
+  if (!XFindLanguageFile(path, folder, name, tag)) {
+    buffer.ImportErrorCode(path);
+    return false;
+  }
+  // The search leaves the error of each name it tried and did not find; only the
+  // outcome of loading the name found counts now.
+  path.ResetError();
+  return LoadTextFile(buffer, path);
+}
+
+bool TTextFileStringResource::LoadLanguageFile(XString16& path, const char16_t* folder,
+                                               const char16_t* name, const char16_t* tag) {
+  XBuffer buffer;
+  return LoadLanguageFile(buffer, path, folder, name, tag);
 }
 
 bool TTextFileStringResource::LoadTextFileMsg(XString16& path, XWindow owner) {

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "file/file_helpers.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/title_text.h"
 #include "tavi/core/user_interface.h"
@@ -165,6 +166,66 @@ TEST(LanguageFile, LineVerdictsFollowTheLoad) {
   ASSERT_EQ(seen.size(), 2u);
   EXPECT_EQ(seen[0].verdict, V::kAdded);
   EXPECT_EQ(seen[1].verdict, V::kDuplicate);
+}
+
+// Language files in a scratch folder, found by tag with the search's fallbacks.
+TEST(LanguageFile, LoadsTheFileOfALanguage) {
+  test::ScratchDir dir;
+  test::Spit(dir / u"app.de.lng", "1=Hallo\n");
+  test::Spit(dir / u"app.en.lng", "1=Hello\n");
+  test::Spit(dir / u"app.fr-CA.lng",
+             "\xEF\xBB\xBF"
+             "1=All\xC3\xB4\n");
+  test::Spit(dir / u"app.xx.lng", "1=x\n0=bad\n");
+  const std::u16string folder = dir.root().u16string();
+  struct Case {
+    const char16_t* tag;
+    const char16_t* file;
+    const char16_t* text;
+  } cases[] = {
+      {u"fr-CA", u"app.fr-CA.lng", u"All\u00F4"},  // exact tag
+      {u"de_AT", u"app.de.lng", u"Hallo"},         // base language
+      {u"ja-JP", u"app.en.lng", u"Hello"},         // English last
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.tag, c.tag + std::char_traits<char16_t>::length(c.tag)));
+    TTextFileStringResource r;
+    XString16 path;
+    EXPECT_TRUE(r.LoadLanguageFile(path, folder.c_str(), u"app", c.tag));
+    EXPECT_EQ(test::Text(path), folder + u"/" + c.file);
+    // The names tried before the one found leave no error behind.
+    EXPECT_TRUE(path.IsOk());
+    EXPECT_EQ(Text(r, 1), c.text);
+  }
+  {
+    // No tag: the user's, from the environment.
+    const char* saved = std::getenv("LC_ALL");
+    const std::string old = saved != nullptr ? saved : "";
+    ::setenv("LC_ALL", "de_CH.UTF-8", 1);
+    XPrivateHeap heap;
+    auto* r = new (&heap) TTextFileStringResourceHeap(&heap);
+    XString16 path;
+    EXPECT_TRUE(r->LoadLanguageFile(path, folder.c_str(), u"app"));
+    EXPECT_EQ(Text(*r, 1), u"Hallo");
+    delete r;
+    if (saved != nullptr)
+      ::setenv("LC_ALL", old.c_str(), 1);
+    else
+      ::unsetenv("LC_ALL");
+  }
+  // Nothing found: the last name tried and the platform's error, also in the buffer.
+  TTextFileStringResource r;
+  XString16 path;
+  XBuffer buffer;
+  EXPECT_FALSE(r.LoadLanguageFile(buffer, path, folder.c_str(), u"other", u"de"));
+  EXPECT_EQ(test::Text(path), folder + u"/other.en.lng");
+  EXPECT_TRUE(path.IsError());
+  EXPECT_EQ(test::Err(buffer), test::Err(path));
+  EXPECT_EQ(r.GetCount(), 0u);
+  // A file that is found but has a bad line loads what it can and fails.
+  EXPECT_FALSE(r.LoadLanguageFile(path, folder.c_str(), u"app", u"xx"));
+  EXPECT_TRUE(path.IsOk());
+  EXPECT_EQ(Text(r, 1), u"x");
 }
 
 // Out-of-order adds against a sorted reference model.

@@ -165,6 +165,16 @@ class TAVI_API TTextFileStringResource : public TStringResourceColl {
   bool LoadTextFile(XBuffer& buffer, XString16& path, XLanguageLineSink sink = nullptr,
                     void* context = nullptr);
   bool LoadTextFile(XString16& path);
+  // LoadLanguageFile loads the file of a language: it finds "<folder>/<name>.<tag>.lng"
+  // with XFindLanguageFile (the tag as given, then with its last subtag taken off
+  // again and again, last "en"; a null or empty tag means the user's, from the
+  // environment) and loads it as LoadTextFile does. path receives the name found. False
+  // when no file exists (path holds the last name tried and the platform's error),
+  // when the file cannot be read (the error in path and buffer) or when a line failed.
+  bool LoadLanguageFile(XBuffer& buffer, XString16& path, const char16_t* folder,
+                        const char16_t* name, const char16_t* tag = nullptr);
+  bool LoadLanguageFile(XString16& path, const char16_t* folder, const char16_t* name,
+                        const char16_t* tag = nullptr);
   // LoadTextFileMsg also shows a failure to read the file to the user.
   bool LoadTextFileMsg(XString16& path, XWindow owner);
 
