@@ -368,5 +368,73 @@ TEST(StringResource, SetDlgItemsTextFillsExistingItems) {
   XSetUserInterface(saved);
 }
 
+// Menus and combo boxes through a table that records every call as text: menu 7
+// lacks item 3, combo box 9 refuses to be emptied, and every box refuses "no".
+TEST(StringResource, MenuStringsAndComboBoxLists) {
+  static std::vector<std::u16string> calls;
+  XUserInterface ui{};
+  ui.menu_set_item_text = [](XMenu menu, int32_t item, const char16_t* text) {
+    calls.push_back(u"menu " + std::u16string(1, char16_t(u'0' + item)) + u" " + text);
+    return !(reinterpret_cast<intptr_t>(menu) == 7 && item == 3);
+  };
+  ui.combo_reset = [](XWindow combo) {
+    calls.push_back(u"reset");
+    return reinterpret_cast<intptr_t>(combo) != 9;
+  };
+  ui.combo_add_string = [](XWindow, const char16_t* text) {
+    calls.push_back(u"add " + std::u16string(text));
+    return std::u16string(text) != u"no";
+  };
+  const XUserInterface* saved = XSetUserInterface(&ui);
+  TTextFileStringResource r;
+  XBuffer b = Wide(u"1=one\n2=two\n3=three\n4=no\n5=five\n");
+  ASSERT_TRUE(r.AddResources(b));
+  TStringResource& base = r;
+  auto menu = reinterpret_cast<XMenu>(intptr_t{7});
+  auto combo = reinterpret_cast<XWindow>(intptr_t{8});
+  using Calls = std::vector<std::u16string>;
+  const int32_t list[] = {2, 3, 1, 0};
+
+  // Menus: every item is tried; one refusal makes the result false.
+  calls.clear();
+  EXPECT_FALSE(base.SetMenuStrings(menu, list));
+  EXPECT_EQ(calls, (Calls{u"menu 2 two", u"menu 3 three", u"menu 1 one"}));
+  calls.clear();
+  EXPECT_TRUE(base.SetMenuStrings(menu, 1, 2));
+  EXPECT_TRUE(base.SetMenuStrings(menu, list + 2, 2));  // 1 and 0, a missing string
+  EXPECT_EQ(calls, (Calls{u"menu 1 one", u"menu 2 two", u"menu 1 one", u"menu 0 ???"}));
+
+  // Combo boxes: emptied first only when asked, strings in list order.
+  calls.clear();
+  EXPECT_TRUE(base.SetComboBoxList(combo, list, true));
+  EXPECT_TRUE(base.SetComboBoxList(combo, 5, 1, false));
+  EXPECT_EQ(calls, (Calls{u"reset", u"add two", u"add three", u"add one", u"add five"}));
+  // A refused string ends the filling, so positions never shift.
+  calls.clear();
+  EXPECT_FALSE(base.SetComboBoxList(combo, 3, 3, true));
+  EXPECT_EQ(calls, (Calls{u"reset", u"add three", u"add no"}));
+  const int32_t counted[] = {5, 4, 1};
+  calls.clear();
+  EXPECT_FALSE(base.SetComboBoxList(combo, counted, 3, false));
+  EXPECT_EQ(calls, (Calls{u"add five", u"add no"}));
+  // A box that cannot be emptied gets nothing.
+  calls.clear();
+  EXPECT_FALSE(base.SetComboBoxList(reinterpret_cast<XWindow>(intptr_t{9}), list, true));
+  EXPECT_EQ(calls, (Calls{u"reset"}));
+  // Empty lists change nothing and succeed.
+  calls.clear();
+  EXPECT_TRUE(base.SetComboBoxList(combo, nullptr, false));
+  EXPECT_TRUE(base.SetComboBoxList(combo, nullptr, 4u, false));
+  EXPECT_TRUE(base.SetMenuStrings(menu, 1, 0));
+  EXPECT_TRUE(calls.empty());
+
+  // Entries the host left null fall back to the default table, which accepts all.
+  XUserInterface bare{};
+  XSetUserInterface(&bare);
+  EXPECT_TRUE(base.SetMenuStrings(menu, list));
+  EXPECT_TRUE(base.SetComboBoxList(reinterpret_cast<XWindow>(intptr_t{9}), list, true));
+  XSetUserInterface(saved);
+}
+
 }  // namespace
 }  // namespace tavi
