@@ -61,6 +61,13 @@ static_assert(sizeof(TResourceStringItem) == 8);
 // serialised by a mutex, so concurrent misses (which add placeholders) are safe, but
 // loading while other threads look up is not. A miss in Get, Write or Attach adds the
 // placeholder "??? SID=<id> ???" and returns it, so a text is never null.
+//
+// Write(out, id) writes one string; it hides the collection's Write(out) on purpose
+// (reach that through XCollection&).
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Woverloaded-virtual"
+#endif
 class TAVI_API TStringResourceColl : public TStringResource, public XCollection {
  public:
   TStringResourceColl() = default;
@@ -114,6 +121,9 @@ class TAVI_API TStringResourceColl : public TStringResource, public XCollection 
  private:
   std::mutex mutex_;
 };
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 // What the loader made of one line of a language file.
 enum class XLanguageLineVerdict : uint8_t {
