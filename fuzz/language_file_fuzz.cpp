@@ -3,7 +3,9 @@
 // The input is UTF-16 text parsed by AddResources (half the inputs are first
 // widened from bytes so that plain-text seeds mutate well). Every stored string must
 // have an ID in range, a non-empty terminated text, and the table must stay sorted
-// by strictly ascending ID with no more strings than lines.
+// by strictly ascending ID with no more strings than lines. The lines handed to the
+// sink must be numbered 1, 2, ...; exactly the lines called added are stored, and the
+// load succeeds exactly when no definition was refused and something was stored.
 //
 //===----------------------------------------------------------------------===//
 #include <cstdint>
@@ -37,11 +39,44 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   size_t lines = 1;
   for (char16_t c : text) lines += c == u'\n';
 
+  struct Walk {
+    uint32_t lines = 0, added = 0, refused = 0;
+  } walk;
+  auto sink = [](void* context, const tavi::XLanguageFileLine& line) {
+    auto& w = *static_cast<Walk*>(context);
+    FUZZ_ASSERT(line.number == ++w.lines);
+    switch (line.verdict) {
+      case tavi::XLanguageLineVerdict::kComment:
+        FUZZ_ASSERT(line.digit_count == 0 && line.value == nullptr);
+        break;
+      case tavi::XLanguageLineVerdict::kDigitsComment:
+        FUZZ_ASSERT(line.digit_count != 0 && line.value == nullptr);
+        break;
+      case tavi::XLanguageLineVerdict::kAdded:
+        FUZZ_ASSERT(line.id >= 1 && line.id <= 0x7FFFFFFE && line.value_units != 0);
+        ++w.added;
+        break;
+      case tavi::XLanguageLineVerdict::kIdOutOfRange:
+        FUZZ_ASSERT(line.id == 0 || line.id == 0x7FFFFFFF);
+        ++w.refused;
+        break;
+      case tavi::XLanguageLineVerdict::kEmptyValue:
+        FUZZ_ASSERT(line.value_units == 0);
+        ++w.refused;
+        break;
+      default:
+        ++w.refused;
+        break;
+    }
+  };
+
   tavi::XBuffer buffer;
   if (!text.empty()) buffer.Add(text.data(), static_cast<uint32_t>(text.size() * 2));
   tavi::TTextFileStringResource table;
-  const bool ok = table.AddResources(buffer);
-  FUZZ_ASSERT(!ok || table.GetCount() != 0);
+  const bool ok = table.AddResources(buffer, sink, &walk);
+  FUZZ_ASSERT(walk.lines <= lines);
+  FUZZ_ASSERT(walk.added == table.GetCount());
+  FUZZ_ASSERT(ok == (walk.refused == 0 && walk.added != 0));
   FUZZ_ASSERT(table.GetCount() <= lines);
   for (uint32_t i = 0; i < table.GetCount(); ++i) {
     const tavi::TResourceStringItem* item = table._ResourceStringItem(i);

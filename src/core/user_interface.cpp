@@ -85,10 +85,23 @@ uint32_t NoFormatName(uint32_t, char16_t* name, uint32_t capacity) {
   return 0;
 }
 
+bool DiscardMenuText(XMenu, int32_t, const char16_t*) {
+  return true;
+}
+
+bool DiscardComboList(XWindow) {
+  return true;
+}
+
+bool DiscardComboString(XWindow, const char16_t*) {
+  return true;
+}
+
 constexpr XUserInterface kDefaultTable = {
     StderrMessageBox, NoWindowTextLength, NoWindowText,     DiscardWindowText, NoDialogItem,
     NoWindow,         NoInvalidate,       NoEditHandle,     NoSetEditHandle,   NoClipboardSet,
-    NoClipboardGet,   NoClipboardFormat,  NoRegisterFormat, NoFormatName,
+    NoClipboardGet,   NoClipboardFormat,  NoRegisterFormat, NoFormatName,      DiscardMenuText,
+    DiscardComboList, DiscardComboString,
 };
 
 std::atomic<const XUserInterface*> g_table{&kDefaultTable};

@@ -15,6 +15,7 @@
 #include "tavi/core/title_text.h"
 #include "tavi/file/file.h"
 #include "tavi/io/stream.h"
+#include "tavi/text/language.h"
 #include "tavi/text/text_file.h"
 
 namespace tavi {
@@ -269,9 +270,12 @@ bool TStringResourceColl::Attach(TTitleTextBase* titles, int32_t first_id, uint3
 
 // --- TTextFileStringResource -----------------------------------------------------------
 
-TResourceStringItem* TTextFileStringResource::_AddFileResource(int32_t id, char16_t* begin,
-                                                               char16_t* end) {
-  // A quoted value runs to the last quote of the line; anything after it is dropped.
+namespace {
+
+// DecodeValue unquotes and unescapes the value [*begin, *end) in place and narrows the
+// range to the result. A quoted value runs to the last quote of the line; anything
+// after that quote is dropped.
+void DecodeValue(char16_t*& begin, char16_t*& end) {
   if (end - begin >= 2 && *begin == u'"') {
     for (char16_t* q = end - 1; q > begin; --q) {
       if (*q == u'"') {
@@ -308,8 +312,16 @@ TResourceStringItem* TTextFileStringResource::_AddFileResource(int32_t id, char1
     }
     *out++ = c;
   }
-  if (out == begin) return nullptr;
-  return AddResource(id, begin, static_cast<uint32_t>(out - begin) * 2);
+  end = out;
+}
+
+}  // namespace
+
+TResourceStringItem* TTextFileStringResource::_AddFileResource(int32_t id, char16_t* begin,
+                                                               char16_t* end) {
+  DecodeValue(begin, end);
+  if (end == begin) return nullptr;
+  return AddResource(id, begin, static_cast<uint32_t>(end - begin) * 2);
 }
 
 TResourceStringItem* TTextFileStringResource::_AddFileResource(int32_t id, char16_t* text,
@@ -321,46 +333,86 @@ TResourceStringItem* TTextFileStringResource::_AddFileResource(int32_t id, char1
   return _AddFileResource(id, text, text + Length(text));
 }
 
-bool TTextFileStringResource::AddResources(XBuffer& buffer) {
+bool TTextFileStringResource::AddResources(XBuffer& buffer, XLanguageLineSink sink, void* context) {
   auto* p = static_cast<char16_t*>(buffer.GetBuffer());
   char16_t* const text_end = p == nullptr ? p : p + buffer.GetBufferPos() / 2;
   bool ok = true;
-  while (p < text_end) {
+  for (uint32_t number = 1; p < text_end; ++number) {
     char16_t* line_end = p;
     while (line_end < text_end && *line_end != u'\n') ++line_end;
     char16_t* next = line_end < text_end ? line_end + 1 : line_end;
     if (line_end > p && line_end[-1] == u'\r') --line_end;
+    XLanguageFileLine line{number, XLanguageLineVerdict::kComment, 0, p, 0, nullptr, 0};
     if (*p >= u'0' && *p <= u'9') {
-      // The ID saturates above the range, so long digit runs cannot overflow.
+      // The ID saturates at 0x7FFFFFFF, one above the range; the 64-bit step keeps
+      // the multiplication from wrapping back into the range on long digit runs.
       uint32_t id = 0;
       char16_t* q = p;
       for (; q < line_end && *q >= u'0' && *q <= u'9'; ++q) {
-        id = id * 10 + (*q - u'0');
-        if (id > 0x7FFFFFFEu) id = 0x7FFFFFFFu;
+        const uint64_t next = uint64_t{id} * 10 + static_cast<uint32_t>(*q - u'0');
+        id = next > 0x7FFFFFFEu ? 0x7FFFFFFFu : static_cast<uint32_t>(next);
       }
-      if (q < line_end && *q == u'=') {
-        if (id == 0 || id > 0x7FFFFFFEu ||
-            _AddFileResource(static_cast<int32_t>(id), q + 1, line_end) == nullptr) {
-          ok = false;
+      line.id = static_cast<int32_t>(id);
+      line.digit_count = static_cast<uint32_t>(q - p);
+      if (q == line_end || *q != u'=') {
+        line.verdict = XLanguageLineVerdict::kDigitsComment;
+      } else {
+        char16_t* begin = q + 1;
+        char16_t* end = line_end;
+        DecodeValue(begin, end);
+        if (id == 0 || id > 0x7FFFFFFEu) {
+          line.verdict = XLanguageLineVerdict::kIdOutOfRange;
+        } else if (begin == end) {
+          line.verdict = XLanguageLineVerdict::kEmptyValue;
+        } else if (AddResource(line.id, begin, static_cast<uint32_t>(end - begin) * 2) != nullptr) {
+          line.verdict = XLanguageLineVerdict::kAdded;
+        } else {
+          // Adding refuses a duplicate (the first text stays) or runs out of memory.
+          line.verdict = _GetResourceString(line.id) != nullptr ? XLanguageLineVerdict::kDuplicate
+                                                                : XLanguageLineVerdict::kNotStored;
         }
+        if (line.verdict != XLanguageLineVerdict::kAdded) ok = false;
+        line.value = begin;
+        line.value_units = static_cast<uint32_t>(end - begin);
       }
     }
+    if (sink != nullptr) sink(context, line);
     p = next;
   }
   return ok && Count != 0;
 }
 
-bool TTextFileStringResource::LoadTextFile(XBuffer& buffer, XString16& path) {
+bool TTextFileStringResource::LoadTextFile(XBuffer& buffer, XString16& path, XLanguageLineSink sink,
+                                           void* context) {
   if (buffer.XBuffer::LoadTextFile(path, kTextUtf8, kTextUtf16, kFileRead | kFileShareRead) == 0) {
     buffer.ImportErrorCode(path);
     return false;
   }
-  return AddResources(buffer);
+  return AddResources(buffer, sink, context);
 }
 
 bool TTextFileStringResource::LoadTextFile(XString16& path) {
   XBuffer buffer;
   return LoadTextFile(buffer, path);
+}
+
+bool TTextFileStringResource::LoadLanguageFile(XBuffer& buffer, XString16& path,
+                                               const char16_t* folder, const char16_t* name,
+                                               const char16_t* tag) {
+  if (!XFindLanguageFile(path, folder, name, tag)) {
+    buffer.ImportErrorCode(path);
+    return false;
+  }
+  // The search leaves the error of each name it tried and did not find; only the
+  // outcome of loading the name found counts now.
+  path.ResetError();
+  return LoadTextFile(buffer, path);
+}
+
+bool TTextFileStringResource::LoadLanguageFile(XString16& path, const char16_t* folder,
+                                               const char16_t* name, const char16_t* tag) {
+  XBuffer buffer;
+  return LoadLanguageFile(buffer, path, folder, name, tag);
 }
 
 bool TTextFileStringResource::LoadTextFileMsg(XString16& path, XWindow owner) {

@@ -102,6 +102,10 @@ inline const XUserInterface& FakeTable() {
         }
         return XSetLastError(87), 0u;
       },
+      // Menus and combo boxes: the default table's.
+      nullptr,
+      nullptr,
+      nullptr,
   };
   return table;
 }

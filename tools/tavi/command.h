@@ -22,6 +22,8 @@ int RunErrors(std::span<char* const> args);
 int RunHash(std::span<char* const> args);
 int RunHelp(std::span<char* const> args);
 int RunInfo(std::span<char* const> args);
+int RunLang(std::span<char* const> args);
+int RunOptions(std::span<char* const> args);
 int RunPack(std::span<char* const> args);
 int RunUnpack(std::span<char* const> args);
 int RunVersion(std::span<char* const> args);

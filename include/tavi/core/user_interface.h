@@ -68,6 +68,14 @@ struct XUserInterface {
   uint32_t (*clipboard_register_format)(const char16_t* name);
   // Copies the name of a registered format (as get_window_text copies); 0 when none.
   uint32_t (*clipboard_format_name)(uint32_t format, char16_t* name, uint32_t capacity);
+  // Sets the text of the menu item with command number item (in menu or its
+  // submenus); false when there is no such item.
+  bool (*menu_set_item_text)(XMenu menu, int32_t item, const char16_t* text);
+  // Empties the list of a combo box.
+  bool (*combo_reset)(XWindow combo);
+  // Adds text to the list of a combo box (at the end, or in order for a sorted box);
+  // false when the box refuses it.
+  bool (*combo_add_string)(XWindow combo, const char16_t* text);
 };
 
 // XSetUserInterface installs table (which must outlive its use) and returns the
@@ -77,7 +85,8 @@ TAVI_API const XUserInterface* XSetUserInterface(const XUserInterface* table);
 TAVI_API const XUserInterface* XGetUserInterface();
 // XDefaultUserInterface is the table in force when no host table is installed: message
 // boxes go to stderr and answer kIdOk to plain boxes and kIdNo to questions; window
-// text goes nowhere (setting succeeds, reading gives an empty text); edit-control
+// text, menu item texts and combo-box lists go nowhere (setting, emptying and
+// adding succeed; reading gives an empty text); edit-control
 // memory and the clipboard fail with kPlatformErrorNotSupported.
 TAVI_API const XUserInterface* XDefaultUserInterface();
 

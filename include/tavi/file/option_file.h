@@ -31,6 +31,13 @@ inline constexpr int32_t kStrOptionFileMissingAfter = 500000352;
 // (ErrorMessage) when the value does not parse: 0x20000007 for a number, 0x20000008
 // for a text or a boolean other than 0 / 1, 0x20000013 for a 16-bit value above
 // 65535. The value is written only on success.
+//
+// LoadFile, SaveFile and SaveFileMsg here take an owner window and the option text;
+// they hide XObject's persistence forms on purpose (reach those through XObject&).
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Woverloaded-virtual"
+#endif
 class TAVI_API XOptionFile : public TStringColl {
  public:
   XOptionFile() = default;
@@ -92,5 +99,8 @@ class TAVI_API XOptionFile : public TStringColl {
   XString16* FileName = nullptr;
   XWindow Owner = nullptr;
 };
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
 
 }  // namespace tavi

@@ -52,6 +52,22 @@ class TAVI_API TStringResource {
   bool SetDlgItemsText(XWindow dialog, const int32_t* ids);
   bool SetDlgItemsText(XWindow dialog, const int32_t* ids, uint32_t count);
   bool SetDlgItemsText(XWindow dialog, int32_t first, uint32_t count);
+
+  // SetMenuStrings sets the text of each menu item whose command number is in ids to
+  // the string of the same number (Get), in the same three forms. Every item is
+  // tried; false when any of them refused its text (the menu lacks it).
+  bool SetMenuStrings(XMenu menu, const int32_t* ids);
+  bool SetMenuStrings(XMenu menu, const int32_t* ids, uint32_t count);
+  bool SetMenuStrings(XMenu menu, int32_t first, uint32_t count);
+
+  // SetComboBoxList adds the strings of ids (Get), in list order, to the list of a
+  // combo box, after emptying the list when reset is set; without reset they go
+  // after the entries already there. The same three forms. Adding stops at the first
+  // string the box refuses, so that positions in the box keep matching positions in
+  // the list; false then, and false without adding anything when emptying fails.
+  bool SetComboBoxList(XWindow combo, const int32_t* ids, bool reset);
+  bool SetComboBoxList(XWindow combo, const int32_t* ids, uint32_t count, bool reset);
+  bool SetComboBoxList(XWindow combo, int32_t first, uint32_t count, bool reset);
 };
 
 // The placeholder text of a missing string.

@@ -61,6 +61,13 @@ static_assert(sizeof(TResourceStringItem) == 8);
 // serialised by a mutex, so concurrent misses (which add placeholders) are safe, but
 // loading while other threads look up is not. A miss in Get, Write or Attach adds the
 // placeholder "??? SID=<id> ???" and returns it, so a text is never null.
+//
+// Write(out, id) writes one string; it hides the collection's Write(out) on purpose
+// (reach that through XCollection&).
+#if defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Woverloaded-virtual"
+#endif
 class TAVI_API TStringResourceColl : public TStringResource, public XCollection {
  public:
   TStringResourceColl() = default;
@@ -114,6 +121,35 @@ class TAVI_API TStringResourceColl : public TStringResource, public XCollection 
  private:
   std::mutex mutex_;
 };
+#if defined(__clang__)
+#pragma clang diagnostic pop
+#endif
+
+// What the loader made of one line of a language file.
+enum class XLanguageLineVerdict : uint8_t {
+  kComment,        // not a definition: no leading digit
+  kDigitsComment,  // begins with digits not followed directly by '=': also a comment
+  kAdded,          // a string, now in the table
+  kIdOutOfRange,   // ID 0 or above 2147483646: refused, fails the load
+  kEmptyValue,     // nothing left after unquoting: refused, fails the load
+  kDuplicate,      // ID already in the table: refused (the first text stays), fails the load
+  kNotStored,      // the table could not take it (no memory): fails the load
+};
+
+// XLanguageFileLine describes one line as the loader read it. The pointers are into
+// the buffer being parsed and valid only during the call that hands the line over.
+struct XLanguageFileLine {
+  uint32_t number;  // 1 for the first line
+  XLanguageLineVerdict verdict;
+  int32_t id;              // 0 for comments; 0x7FFFFFFF for any ID above the range
+  const char16_t* digits;  // the ID as written (after a definition's digits, '=')
+  uint32_t digit_count;    // in code units; 0 for comments
+  const char16_t* value;   // the decoded value (definitions), not terminated
+  uint32_t value_units;    // its length in code units
+};
+
+// Receives each line of a language file in order, with its verdict.
+using XLanguageLineSink = void (*)(void* context, const XLanguageFileLine& line);
 
 // TTextFileStringResource fills the table from a language file.
 //
@@ -130,12 +166,25 @@ class TAVI_API TTextFileStringResource : public TStringResourceColl {
  public:
   // AddResources parses the UTF-16 text of buffer (its data, consumed: the parse
   // rewrites it in place). True when no line failed and the table is not empty.
-  bool AddResources(XBuffer& buffer);
+  // When sink is given, it is handed every line with the verdict the parse reached
+  // (a duplicate also shows its message box, as without a sink).
+  bool AddResources(XBuffer& buffer, XLanguageLineSink sink = nullptr, void* context = nullptr);
   // LoadTextFile reads the language file path (its encoding from a byte-order mark,
   // UTF-8 without one) into buffer and adds its strings. False when the file cannot be read (the
-  // error is in path and in buffer) or a line failed.
-  bool LoadTextFile(XBuffer& buffer, XString16& path);
+  // error is in path and in buffer) or a line failed. sink sees the lines as above.
+  bool LoadTextFile(XBuffer& buffer, XString16& path, XLanguageLineSink sink = nullptr,
+                    void* context = nullptr);
   bool LoadTextFile(XString16& path);
+  // LoadLanguageFile loads the file of a language: it finds "<folder>/<name>.<tag>.lng"
+  // with XFindLanguageFile (the tag as given, then with its last subtag taken off
+  // again and again, last "en"; a null or empty tag means the user's, from the
+  // environment) and loads it as LoadTextFile does. path receives the name found. False
+  // when no file exists (path holds the last name tried and the platform's error),
+  // when the file cannot be read (the error in path and buffer) or when a line failed.
+  bool LoadLanguageFile(XBuffer& buffer, XString16& path, const char16_t* folder,
+                        const char16_t* name, const char16_t* tag = nullptr);
+  bool LoadLanguageFile(XString16& path, const char16_t* folder, const char16_t* name,
+                        const char16_t* tag = nullptr);
   // LoadTextFileMsg also shows a failure to read the file to the user.
   bool LoadTextFileMsg(XString16& path, XWindow owner);
 
