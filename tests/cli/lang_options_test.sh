@@ -5,33 +5,8 @@
 set -u
 tavi=$1
 group=$2
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
-
-fail() {
-  echo "FAIL ($group): $*" >&2
-  exit 1
-}
-
-# Runs tavi expecting exit status $1; stdout goes to out.txt, stderr to err.txt.
-expect() {
-  local want=$1
-  shift
-  "$tavi" "$@" >out.txt 2>err.txt
-  local got=$?
-  [ "$got" -eq "$want" ] || fail "tavi $* exited $got, wanted $want: $(cat err.txt)"
-}
-
-# Fails unless file $1 holds exactly the text $2 (printf escapes allowed).
-same_as() {
-  printf "$2" >expected.bin
-  cmp -s "$1" expected.bin || fail "$1 is $(cat "$1"), wanted $(cat expected.bin)"
-}
-
-grep_out() {
-  grep -q -e "$1" "${2:-out.txt}" || fail "no '$1' in: $(cat "${2:-out.txt}")"
-}
+# shellcheck source=cli_test_lib.sh
+source "$(dirname "$0")/cli_test_lib.sh"
 
 lang_check() {
   # A clean file in UTF-16 with a byte-order mark, CR LF ends and no final line end.

@@ -4,24 +4,9 @@
 set -u
 tavi=$1
 group=$2
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work" || exit 1
+# shellcheck source=cli_test_lib.sh
+source "$(dirname "$0")/cli_test_lib.sh"
 unset TAVI_PASSWORD
-
-fail() {
-  echo "FAIL ($group): $*" >&2
-  exit 1
-}
-
-# Runs tavi expecting exit status $1; keeps stderr in err.txt.
-expect() {
-  local want=$1
-  shift
-  "$tavi" "$@" 2>err.txt
-  local got=$?
-  [ "$got" -eq "$want" ] || fail "tavi $* exited $got, wanted $want: $(cat err.txt)"
-}
 
 # Nothing but the named files may be left in the folder (no temporaries).
 only() {
