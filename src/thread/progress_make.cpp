@@ -67,7 +67,7 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
   strProgress progress;
   title.Start(progress, count, options);
   uint32_t start;
-  const bool over = internal::RunSolo(count, start, [&](uint32_t i) {
+  const bool over = internal::RunSolo(fn.Key(), count, start, [&](uint32_t i) {
     void* item = items[i];
     if (item == nullptr) return false;
     fn(item);
@@ -101,7 +101,7 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
       }
     }
   };
-  internal::RunWorkers(threads, worker);
+  internal::RunTeam(fn.Key(), threads, queue, worker);
   return ProgressEnd(progress);
 }
 

@@ -1,7 +1,14 @@
 //===- time_posix.cpp - Clocks, local time and the time zone on POSIX -----===//
 #include <time.h>
 
+#include <atomic>
+
+#include "platform/cpu.h"
 #include "platform/time.h"
+
+#if defined(__x86_64__) || defined(__i386__)
+#include <x86intrin.h>
+#endif
 
 namespace tavi::platform {
 
@@ -72,6 +79,64 @@ uint64_t PerformanceCounter() {
 
 uint64_t PerformanceFrequency() {
   return 1000000000u;
+}
+
+namespace {
+
+#if defined(__x86_64__) || defined(__i386__)
+
+// The time-stamp counter and PerformanceCounter read together at the first
+// FastCounter call, and the counter's rate as nanoseconds per tick in 32.32
+// fixed point (0 until measured).
+struct TscScale {
+  uint64_t tsc0;
+  uint64_t ns0;
+  std::atomic<uint64_t> nsPerTick{0};
+};
+
+// Null when the time-stamp counter is not to be used.
+TscScale* Scale() {
+  static TscScale* const scale = []() -> TscScale* {
+    if (ForcePortableKernels() || !GetCpuFeatures().invariantTsc) return nullptr;
+    static TscScale s;
+    s.ns0 = PerformanceCounter();
+    s.tsc0 = __rdtsc();
+    return &s;
+  }();
+  return scale;
+}
+
+// ticks * nsPerTick / 2^32 without a 128-bit product: both factors are split
+// into 32-bit halves, and the low halves' product, the only one that needs
+// the shift, keeps just its top part.
+uint64_t TicksToNanoseconds(uint64_t ticks, uint64_t nsPerTick) {
+  const uint64_t th = ticks >> 32, tl = ticks & 0xFFFFFFFFu;
+  const uint64_t mh = nsPerTick >> 32, ml = nsPerTick & 0xFFFFFFFFu;
+  return ticks * mh + th * ml + ((tl * ml) >> 32);
+}
+
+#endif
+
+}  // namespace
+
+uint64_t FastCounter() {
+#if defined(__x86_64__) || defined(__i386__)
+  TscScale* s = Scale();
+  if (s == nullptr) return PerformanceCounter();
+  const uint64_t nsPerTick = s->nsPerTick.load(std::memory_order_relaxed);
+  if (nsPerTick != 0) return s->ns0 + TicksToNanoseconds(__rdtsc() - s->tsc0, nsPerTick);
+  // Not measured yet: answer from PerformanceCounter, and measure the rate once
+  // a millisecond has passed (then the two reads' own spread is 0.01% of it).
+  const uint64_t ns = PerformanceCounter();
+  const uint64_t tsc = __rdtsc();
+  if (ns - s->ns0 >= 1000000 && tsc > s->tsc0) {
+    const double rate = static_cast<double>(ns - s->ns0) / static_cast<double>(tsc - s->tsc0);
+    s->nsPerTick.store(static_cast<uint64_t>(rate * 4294967296.0) | 1, std::memory_order_relaxed);
+  }
+  return ns;
+#else
+  return PerformanceCounter();
+#endif
 }
 
 uint64_t TickCountMs() {

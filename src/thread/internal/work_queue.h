@@ -9,10 +9,11 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+
+#include "platform/time.h"
 
 namespace tavi::internal {
 
@@ -23,7 +24,10 @@ namespace tavi::internal {
 class WorkQueue {
  public:
   WorkQueue(uint32_t first, uint32_t count, uint32_t threads)
-      : next_(first), remaining_(count - first), divisor_(std::max<uint32_t>(1, threads) * 4) {}
+      : first_(first),
+        next_(first),
+        remaining_(count - first),
+        divisor_(std::max<uint32_t>(1, threads) * 4) {}
 
   std::mutex& mutex() { return mutex_; }
 
@@ -45,8 +49,15 @@ class WorkQueue {
     return TakeRunLocked(first, count);
   }
 
+  // The number of positions handed out so far.
+  uint32_t HandedOut() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return next_ - first_;
+  }
+
  private:
   std::mutex mutex_;
+  uint32_t first_;
   uint32_t next_;
   uint32_t remaining_;
   uint32_t divisor_;
@@ -77,44 +88,149 @@ uint32_t ThreadsFor(uint32_t count);
 inline constexpr int64_t kSoloNanoseconds = 150000;
 
 // The solo time in force; tests set 0 so that helpers join after the first item
-// and the threaded paths run on small arrays too.
+// (or at once, for a function whose cost is remembered) and the threaded paths
+// run on small arrays too.
 inline std::atomic<int64_t> soloNanoseconds{kSoloNanoseconds};
 inline int64_t SetSoloNanoseconds(int64_t ns) {
   return soloNanoseconds.exchange(ns, std::memory_order_relaxed);
 }
 
+// The clock of the solo start, in nanoseconds: platform::FastCounter, or a
+// clock that tests drive (null restores FastCounter).
+inline std::atomic<uint64_t (*)()> soloClock{nullptr};
+inline uint64_t SoloNow() {
+  uint64_t (*clock)() = soloClock.load(std::memory_order_relaxed);
+  return clock != nullptr ? clock() : platform::FastCounter();
+}
+
+// --- Remembered item costs ------------------------------------------------
+//
+// A quick call must not pay for clock reads that cost as much as its items, and
+// a call over long items should have helpers before its first item is done.
+// Neither can be told from inside a call without reading the clock, so the cost
+// of one item is remembered per caller's function from the calls that measured
+// it. 256 slots are picked by a hash of the function's address; each holds in
+// one word a 24-bit tag of the hash, the number of items to run before the
+// first clock read, and the nanoseconds per item (at most 2^32 - 1). Functions
+// that share a slot displace each other and a colliding tag gives a wrong
+// estimate; either only moves the clock reads, never what is done.
+
+// The work a call with a known cost does before its first clock read: a clock
+// read then costs at most a few percent of the call.
+inline constexpr uint64_t kUncheckedNanoseconds = 512;
+// At most this many items run before the first clock read, which bounds the
+// delay for a function whose items have become much slower than remembered.
+inline constexpr uint32_t kMaxUnchecked = 64;
+
+struct ItemCost {
+  uint32_t ns;         // 0: not known
+  uint32_t unchecked;  // items before the first clock read
+};
+
+inline constexpr uint32_t kCostSlots = 256;
+inline std::atomic<uint64_t> itemCostSlots[kCostSlots];
+
+inline uint64_t CostHash(uintptr_t key) {
+  return key * 0x9E3779B97F4A7C15ull;
+}
+inline std::atomic<uint64_t>& CostSlot(uint64_t hash) {
+  return itemCostSlots[hash >> 56];
+}
+inline uint64_t CostTag(uint64_t hash) {
+  return (hash >> 24) & 0xFFFFFFu;
+}
+
+inline ItemCost RememberedCost(uintptr_t key) {
+  const uint64_t hash = CostHash(key);
+  const uint64_t word = CostSlot(hash).load(std::memory_order_relaxed);
+  if (word >> 40 != CostTag(hash)) return ItemCost{0, 1};
+  return ItemCost{static_cast<uint32_t>(word), static_cast<uint32_t>(word >> 32) & 0xFFu};
+}
+
+// Remembers `ns` per item for key, unless the remembered cost is within a
+// factor of two of it (so that steady calls do not keep writing the slot).
+inline void RememberCost(uintptr_t key, uint64_t ns) {
+  ns = std::clamp<uint64_t>(ns, 1, UINT32_MAX);
+  const ItemCost known = RememberedCost(key);
+  if (known.ns != 0 && ns <= uint64_t{known.ns} * 2 && ns * 2 >= known.ns) return;
+  const uint64_t unchecked = std::clamp<uint64_t>(kUncheckedNanoseconds / ns, 1, kMaxUnchecked);
+  const uint64_t hash = CostHash(key);
+  CostSlot(hash).store(CostTag(hash) << 40 | unchecked << 32 | ns, std::memory_order_relaxed);
+}
+
 // RunSolo calls step(i) for i = 0, 1, ... on the calling thread until step
 // answers false or all `count` positions are done (true: the call is over), or
 // until the solo time has passed (false, with `next` the first position not
-// yet done). The clock is read between blocks of positions sized from the rate
-// seen so far to about a quarter of the solo time, and at most sixteen times
-// the positions done. The first block is one item, so a few heavy items get
-// helpers after the first; cheap items pay two to four clock reads per call
-// (some 50-100 ns, the whole cost of the MT form over a quick call), and an
+// yet done, and helpers to be started).
+//
+// With the item cost of `key` unknown, the clock is read before the first item
+// and after it; with it known, the first read comes after the items that take
+// kUncheckedNanoseconds (at most kMaxUnchecked), whose time is taken to be the
+// remembered one, so a quick call reads no clock at all; and when one item is
+// known to take the whole solo time, helpers start before the first item.
+// Later reads come after blocks sized from the rate seen so far to about a
+// quarter of the solo time, and at most sixteen times the positions done, so an
 // item far slower than those before it delays the helpers by at most one block.
+// Every pair of reads measures the rate, which is remembered for later calls.
 template <typename Step>
-bool RunSolo(uint32_t count, uint32_t& next, Step step) {
-  using Clock = std::chrono::steady_clock;
-  const int64_t solo = soloNanoseconds.load(std::memory_order_relaxed);
-  const Clock::time_point start = Clock::now();
+bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Step step) {
+  const uint64_t solo =
+      static_cast<uint64_t>(std::max<int64_t>(soloNanoseconds.load(std::memory_order_relaxed), 0));
+  const ItemCost known = RememberedCost(key);
+  if (known.ns != 0 && known.ns >= solo) {
+    next = 0;
+    return false;
+  }
+  uint64_t rate = known.ns;  // nanoseconds per item
+  uint64_t elapsed = 0;      // the call's time up to the last read, in part estimated
+  uint64_t lastRead = 0;     // that read, at position readAt
+  uint32_t readAt = 0;
+  bool read = false;
+  uint32_t end = known.unchecked;
+  if (known.ns == 0) {
+    lastRead = SoloNow();
+    read = true;
+  }
   uint32_t i = 0;
-  uint64_t block = 1;
   for (;;) {
-    const uint32_t end = count - i <= block ? count : i + static_cast<uint32_t>(block);
+    end = std::min(end, count);
     for (; i < end; ++i) {
       if (!step(i)) return true;
     }
     if (i == count) return true;
-    const int64_t elapsed =
-        std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start).count();
+    const uint64_t now = SoloNow();
+    if (read) {
+      const uint64_t span = now > lastRead ? now - lastRead : 0;
+      elapsed += span;
+      rate = span / (i - readAt);
+      RememberCost(key, rate);
+    } else {
+      elapsed = uint64_t{i} * known.ns;
+      read = true;
+    }
+    lastRead = now;
+    readAt = i;
     if (elapsed >= solo) {
       next = i;
       return false;
     }
-    const uint64_t byRate = uint64_t{i} * static_cast<uint64_t>(solo / 4) /
-                            static_cast<uint64_t>(std::max<int64_t>(elapsed, 1));
-    block = std::clamp<uint64_t>(byRate, 1, uint64_t{i} * 16);
+    const uint64_t block =
+        std::clamp<uint64_t>(solo / 4 / std::max<uint64_t>(rate, 1), 1, uint64_t{i} * 16);
+    end = count - i <= block ? count : i + static_cast<uint32_t>(block);
   }
+}
+
+// RunTeam runs worker on `threads` threads over the positions of `queue` and
+// then remembers for key the cost per item the call showed: its time times the
+// threads over the positions handed out (an upper bound when helpers joined
+// late, which only makes later calls read the clock sooner).
+template <typename Worker>
+void RunTeam(uintptr_t key, uint32_t threads, WorkQueue& queue, Worker& worker) {
+  const uint64_t start = SoloNow();
+  RunWorkers(threads, worker);
+  const uint64_t end = SoloNow();
+  const uint32_t handed = queue.HandedOut();
+  if (handed != 0 && end > start) RememberCost(key, (end - start) * threads / handed);
 }
 
 // Item sources: an array of item pointers, in which a null item ends a worker,
@@ -136,12 +252,14 @@ template <typename R>
 struct Bound1 {
   R (*fn)(void*);
   R operator()(void* item) const { return fn(item); }
+  uintptr_t Key() const { return reinterpret_cast<uintptr_t>(fn); }
 };
 template <typename R>
 struct Bound2 {
   R (*fn)(void*, void*);
   void* context;
   R operator()(void* item) const { return fn(item, context); }
+  uintptr_t Key() const { return reinterpret_cast<uintptr_t>(fn); }
 };
 template <typename R>
 struct Bound3 {
@@ -149,6 +267,7 @@ struct Bound3 {
   void* context1;
   void* context2;
   R operator()(void* item) const { return fn(item, context1, context2); }
+  uintptr_t Key() const { return reinterpret_cast<uintptr_t>(fn); }
 };
 
 template <typename Items, typename Fn>
@@ -161,7 +280,7 @@ void MakeThreaded(const Items& items, uint32_t count, Fn fn) {
   const uint32_t threads = ThreadsFor(count);
   if (threads <= 1) return MakeSequential(items, count, fn);
   uint32_t start;
-  const bool over = RunSolo(count, start, [&](uint32_t i) {
+  const bool over = RunSolo(fn.Key(), count, start, [items, fn](uint32_t i) {
     void* item = items.At(i);
     if (Items::kNullEnds && item == nullptr) return false;
     fn(item);
@@ -179,7 +298,7 @@ void MakeThreaded(const Items& items, uint32_t count, Fn fn) {
       }
     }
   };
-  RunWorkers(threads, worker);
+  RunTeam(fn.Key(), threads, queue, worker);
 }
 
 // The first item whose predicate answers `stopOn`, or null.
@@ -204,7 +323,7 @@ void* SearchThreaded(void* const* items, uint32_t count, Pred pred, bool stopOn)
   constexpr uint32_t kNoHit = UINT32_MAX;
   uint32_t soloHit = kNoHit;
   uint32_t start;
-  const bool over = RunSolo(count, start, [&](uint32_t i) {
+  const bool over = RunSolo(pred.Key(), count, start, [items, pred, stopOn, &soloHit](uint32_t i) {
     void* item = items[i];
     if (item == nullptr) return false;
     if (pred(item) != stopOn) return true;
@@ -230,7 +349,7 @@ void* SearchThreaded(void* const* items, uint32_t count, Pred pred, bool stopOn)
       }
     }
   };
-  RunWorkers(threads, worker);
+  RunTeam(pred.Key(), threads, queue, worker);
   const uint32_t found = hit.load(std::memory_order_relaxed);
   return found == kNoHit ? nullptr : items[found];
 }
