@@ -78,8 +78,17 @@ void RunWorkers(uint32_t threads, Worker& worker) {
       threads, [](void* w) { (*static_cast<Worker*>(w))(); }, &worker);
 }
 
+// The process-wide worker count, 0 until first read; FirstWorkerCount sets it
+// to the processor count (at most 16) unless it has been set, and returns it.
+extern std::atomic<uint32_t> workerCount;
+uint32_t FirstWorkerCount();
+
 // The number of threads a threaded call over `count` items uses.
-uint32_t ThreadsFor(uint32_t count);
+inline uint32_t ThreadsFor(uint32_t count) {
+  uint32_t workers = workerCount.load(std::memory_order_relaxed);
+  if (workers == 0) workers = FirstWorkerCount();
+  return std::min(workers, count);
+}
 
 // How long the calling thread works alone before helpers are started. Starting
 // a thread costs the caller some 10-30 us; alone for at least five times that,
@@ -158,10 +167,21 @@ inline void RememberCost(uintptr_t key, uint64_t ns) {
   CostSlot(hash).store(CostTag(hash) << 40 | unchecked << 32 | ns, std::memory_order_relaxed);
 }
 
-// RunSolo calls step(i) for i = 0, 1, ... on the calling thread until step
-// answers false or all `count` positions are done (true: the call is over), or
-// until the solo time has passed (false, with `next` the first position not
-// yet done, and helpers to be started).
+// KnownQuick is true when all `count` items of key's function are known to run
+// before RunSolo's first clock read; the call then runs them as one range,
+// which is all RunSolo would do, without its bookkeeping.
+inline bool KnownQuick(uintptr_t key, uint32_t count) {
+  const ItemCost known = RememberedCost(key);
+  return count <= known.unchecked && known.ns != 0 &&
+         known.ns < soloNanoseconds.load(std::memory_order_relaxed);
+}
+
+// RunSolo runs the positions 0 .. count - 1 on the calling thread through
+// range(first, end), which does [first, end) and answers false when the call
+// is over before end (a null item, a hit, a cancel). RunSolo answers true when
+// the call is over (range answered false, or every position is done), and
+// false when the solo time has passed first, with `next` the first position not
+// yet done: helpers are then to be started.
 //
 // With the item cost of `key` unknown, the clock is read before the first item
 // and after it; with it known, the first read comes after the items that take
@@ -172,8 +192,8 @@ inline void RememberCost(uintptr_t key, uint64_t ns) {
 // quarter of the solo time, and at most sixteen times the positions done, so an
 // item far slower than those before it delays the helpers by at most one block.
 // Every pair of reads measures the rate, which is remembered for later calls.
-template <typename Step>
-bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Step step) {
+template <typename Range>
+bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Range range) {
   const uint64_t solo =
       static_cast<uint64_t>(std::max<int64_t>(soloNanoseconds.load(std::memory_order_relaxed), 0));
   const ItemCost known = RememberedCost(key);
@@ -185,31 +205,34 @@ bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Step step) {
   uint64_t elapsed = 0;      // the call's time up to the last read, in part estimated
   uint64_t lastRead = 0;     // that read, at position readAt
   uint32_t readAt = 0;
-  bool read = false;
+  uint32_t reads = 0;
   uint32_t end = known.unchecked;
   if (known.ns == 0) {
     lastRead = SoloNow();
-    read = true;
+    reads = 1;
   }
   uint32_t i = 0;
   for (;;) {
     end = std::min(end, count);
-    for (; i < end; ++i) {
-      if (!step(i)) return true;
-    }
-    if (i == count) return true;
+    if (!range(i, end)) return true;
+    const bool last = end == count;
+    // A call that ends after a single read reads once more, so that a
+    // remembered cost that was too high (the first item of a first call
+    // often is slow) is measured again and the next call reads less.
+    if (last && (reads != 1 || known.ns == 0)) return true;
+    i = end;
     const uint64_t now = SoloNow();
-    if (read) {
+    if (reads++ != 0) {
       const uint64_t span = now > lastRead ? now - lastRead : 0;
       elapsed += span;
       rate = span / (i - readAt);
       RememberCost(key, rate);
     } else {
       elapsed = uint64_t{i} * known.ns;
-      read = true;
     }
     lastRead = now;
     readAt = i;
+    if (last) return true;
     if (elapsed >= solo) {
       next = i;
       return false;
@@ -233,17 +256,17 @@ void RunTeam(uintptr_t key, uint32_t threads, WorkQueue& queue, Worker& worker) 
   if (handed != 0 && end > start) RememberCost(key, (end - start) * threads / handed);
 }
 
-// Item sources: an array of item pointers, in which a null item ends a worker,
-// or an array of fixed-size elements.
+// Item sources: an array of item pointers, in which a null item ends a worker
+// of the threaded forms, or an array of fixed-size elements, never null.
 struct PointerItems {
   void* const* items;
-  static constexpr bool kNullEnds = true;
+  static constexpr bool kMayBeNull = true;
   void* At(uint32_t i) const { return items[i]; }
 };
 struct ElementItems {
   uint8_t* base;
   uint32_t elementSize;
-  static constexpr bool kNullEnds = false;
+  static constexpr bool kMayBeNull = false;
   void* At(uint32_t i) const { return base + size_t{i} * elementSize; }
 };
 
@@ -270,44 +293,78 @@ struct Bound3 {
   uintptr_t Key() const { return reinterpret_cast<uintptr_t>(fn); }
 };
 
+// The item loops. The single-threaded forms and the calling thread's solo
+// start run the same out-of-line loop, so that a threaded call done alone runs
+// its items exactly as fast as the single-threaded form; the two differ only
+// in nullEnds.
+
+// MakeRange calls fn on the items at first .. end - 1. With nullEnds, a null
+// item ends the loop: it answers false, fn not called on it.
 template <typename Items, typename Fn>
-void MakeSequential(const Items& items, uint32_t count, Fn fn) {
-  for (uint32_t i = 0; i < count; ++i) fn(items.At(i));
+[[gnu::noinline]] bool MakeRange(Items items, uint32_t first, uint32_t end, Fn fn, bool nullEnds) {
+  for (uint32_t i = first; i < end; ++i) {
+    void* item = items.At(i);
+    if (Items::kMayBeNull && nullEnds && item == nullptr) return false;
+    fn(item);
+  }
+  return true;
+}
+
+// SearchRange gives the first position in first .. end - 1 whose item's
+// predicate answers stopOn, or (with nullEnds) whose item is null; end when
+// there is none.
+template <typename Pred>
+[[gnu::noinline]] uint32_t SearchRange(void* const* items, uint32_t first, uint32_t end, Pred pred,
+                                       bool stopOn, bool nullEnds) {
+  for (uint32_t i = first; i < end; ++i) {
+    void* item = items[i];
+    if (nullEnds && item == nullptr) return i;
+    if (pred(item) == stopOn) return i;
+  }
+  return end;
 }
 
 template <typename Items, typename Fn>
-void MakeThreaded(const Items& items, uint32_t count, Fn fn) {
-  const uint32_t threads = ThreadsFor(count);
-  if (threads <= 1) return MakeSequential(items, count, fn);
+void MakeSequential(Items items, uint32_t count, Fn fn) {
+  MakeRange(items, 0, count, fn, false);
+}
+
+// The threaded forms are split in two: a small front that runs the calls which
+// need no clock as one range, and the out-of-line rest, whose frame the small
+// calls then never set up.
+template <typename Items, typename Fn>
+[[gnu::noinline]] void MakeThreadedTimed(Items items, uint32_t count, uint32_t threads, Fn fn) {
   uint32_t start;
-  const bool over = RunSolo(fn.Key(), count, start, [items, fn](uint32_t i) {
-    void* item = items.At(i);
-    if (Items::kNullEnds && item == nullptr) return false;
-    fn(item);
-    return true;
+  const bool over = RunSolo(fn.Key(), count, start, [items, fn](uint32_t first, uint32_t end) {
+    return MakeRange(items, first, end, fn, true);
   });
   if (over) return;
   WorkQueue queue(start, count, threads);
   auto worker = [&] {
     uint32_t first, run;
     while (queue.TakeRun(first, run)) {
-      for (uint32_t i = first; i < first + run; ++i) {
-        void* item = items.At(i);
-        if (Items::kNullEnds && item == nullptr) return;
-        fn(item);
-      }
+      if (!MakeRange(items, first, first + run, fn, true)) return;
     }
   };
   RunTeam(fn.Key(), threads, queue, worker);
 }
 
+template <typename Items, typename Fn>
+void MakeThreaded(Items items, uint32_t count, Fn fn) {
+  const uint32_t threads = ThreadsFor(count);
+  if (threads <= 1) return MakeSequential(items, count, fn);
+  if (KnownQuick(fn.Key(), count)) {
+    MakeRange(items, 0, count, fn, true);
+    return;
+  }
+  MakeThreadedTimed(items, count, threads, fn);
+}
+
 // The first item whose predicate answers `stopOn`, or null.
 template <typename Pred>
 void* SearchSequential(void* const* items, uint32_t count, Pred pred, bool stopOn) {
-  for (uint32_t i = 0; i < count; ++i) {
-    if (pred(items[i]) == stopOn) return items[i];
-  }
-  return nullptr;
+  const uint32_t at = SearchRange(items, 0, count, pred, stopOn, false);
+  return at < count ? items[at] : nullptr;
 }
 
 // As SearchSequential on several threads (after the calling thread's solo
@@ -317,20 +374,19 @@ void* SearchSequential(void* const* items, uint32_t count, Pred pred, bool stopO
 // handed out once a hit is stored. Every position below the final hit has then
 // been examined, so the result is the single-threaded one.
 template <typename Pred>
-void* SearchThreaded(void* const* items, uint32_t count, Pred pred, bool stopOn) {
-  const uint32_t threads = ThreadsFor(count);
-  if (threads <= 1) return SearchSequential(items, count, pred, stopOn);
-  constexpr uint32_t kNoHit = UINT32_MAX;
-  uint32_t soloHit = kNoHit;
+[[gnu::noinline]] void* SearchThreadedTimed(void* const* items, uint32_t count, uint32_t threads,
+                                            Pred pred, bool stopOn) {
+  void* soloHit = nullptr;
   uint32_t start;
-  const bool over = RunSolo(pred.Key(), count, start, [items, pred, stopOn, &soloHit](uint32_t i) {
-    void* item = items[i];
-    if (item == nullptr) return false;
-    if (pred(item) != stopOn) return true;
-    soloHit = i;
-    return false;
-  });
-  if (over) return soloHit == kNoHit ? nullptr : items[soloHit];
+  const bool over = RunSolo(
+      pred.Key(), count, start, [items, pred, stopOn, &soloHit](uint32_t first, uint32_t end) {
+        const uint32_t at = SearchRange(items, first, end, pred, stopOn, true);
+        if (at == end) return true;
+        soloHit = items[at];
+        return false;
+      });
+  if (over) return soloHit;
+  constexpr uint32_t kNoHit = UINT32_MAX;
   WorkQueue queue(start, count, threads);
   std::atomic<uint32_t> hit{kNoHit};
   auto worker = [&] {
@@ -352,6 +408,17 @@ void* SearchThreaded(void* const* items, uint32_t count, Pred pred, bool stopOn)
   RunTeam(pred.Key(), threads, queue, worker);
   const uint32_t found = hit.load(std::memory_order_relaxed);
   return found == kNoHit ? nullptr : items[found];
+}
+
+template <typename Pred>
+void* SearchThreaded(void* const* items, uint32_t count, Pred pred, bool stopOn) {
+  const uint32_t threads = ThreadsFor(count);
+  if (threads <= 1) return SearchSequential(items, count, pred, stopOn);
+  if (KnownQuick(pred.Key(), count)) {
+    const uint32_t at = SearchRange(items, 0, count, pred, stopOn, true);
+    return at < count ? items[at] : nullptr;  // a null item gives null either way
+  }
+  return SearchThreadedTimed(items, count, threads, pred, stopOn);
 }
 
 }  // namespace tavi::internal
