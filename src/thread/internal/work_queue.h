@@ -156,6 +156,11 @@ inline ItemCost RememberedCost(uintptr_t key) {
   return ItemCost{static_cast<uint32_t>(word), static_cast<uint32_t>(word >> 32) & 0xFFu};
 }
 
+// Forgets every remembered cost (for tests that start from an unknown cost).
+inline void ForgetItemCosts() {
+  for (std::atomic<uint64_t>& slot : itemCostSlots) slot.store(0, std::memory_order_relaxed);
+}
+
 // Remembers `ns` per item for key, unless the remembered cost is within a
 // factor of two of it (so that steady calls do not keep writing the slot).
 inline void RememberCost(uintptr_t key, uint64_t ns) {
@@ -180,8 +185,8 @@ inline bool KnownQuick(uintptr_t key, uint32_t count) {
 // range(first, end), which does [first, end) and answers false when the call
 // is over before end (a null item, a hit, a cancel). RunSolo answers true when
 // the call is over (range answered false, or every position is done), and
-// false when the solo time has passed first, with `next` the first position not
-// yet done: helpers are then to be started.
+// false when the solo time has passed first and about as much work is left,
+// with `next` the first position not yet done: helpers are then to be started.
 //
 // With the item cost of `key` unknown, the clock is read before the first item
 // and after it; with it known, the first read comes after the items that take
@@ -233,7 +238,10 @@ bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Range range) {
     lastRead = now;
     readAt = i;
     if (last) return true;
-    if (elapsed >= solo) {
+    // Helpers join once the call has run for the solo time and, at the rate
+    // seen, as much work is left: with less left, a helper's start would take
+    // about as long as the share of work it could take over.
+    if (elapsed >= solo && uint64_t{count - i} * rate >= solo) {
       next = i;
       return false;
     }
