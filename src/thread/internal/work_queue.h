@@ -397,19 +397,26 @@ template <typename Pred>
   constexpr uint32_t kNoHit = UINT32_MAX;
   WorkQueue queue(start, count, threads);
   std::atomic<uint32_t> hit{kNoHit};
+  // A worker searches its run in stretches of kStretch through SearchRange,
+  // each cut at the hit found so far.
+  constexpr uint32_t kStretch = 64;
   auto worker = [&] {
     uint32_t first, run;
     while (queue.TakeRun(first, run)) {
-      for (uint32_t i = first; i < first + run; ++i) {
-        if (hit.load(std::memory_order_relaxed) < i) return;
-        void* item = items[i];
-        if (item == nullptr) return;
-        if (pred(item) == stopOn) {
+      const uint32_t end = first + run;
+      for (uint32_t i = first; i < end;) {
+        const uint32_t stop =
+            std::min({end, i + std::min(kStretch, end - i), hit.load(std::memory_order_relaxed)});
+        if (stop <= i) return;
+        const uint32_t at = SearchRange(items, i, stop, pred, stopOn, true);
+        if (at < stop) {
+          if (items[at] == nullptr) return;
           std::lock_guard<std::mutex> lock(queue.mutex());
-          if (i < hit.load(std::memory_order_relaxed)) hit.store(i, std::memory_order_relaxed);
+          if (at < hit.load(std::memory_order_relaxed)) hit.store(at, std::memory_order_relaxed);
           queue.StopLocked();
           return;
         }
+        i = stop;
       }
     }
   };
