@@ -1,8 +1,9 @@
 //===- work_queue.h - Handing out array positions to worker threads -*- C++ -*-===//
 //
-// The shared work record of one threaded call, the calling thread's solo start,
-// the starting and joining of its helpers, and the item sources and bound
-// callbacks that the XMake family is built from.
+// The shared work record of one threaded call, the calling thread's solo start
+// and the item costs it remembers between calls, the starting and joining of
+// its helpers, and the item sources, loops and bound callbacks that the XMake
+// family is built from.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
