@@ -186,8 +186,9 @@ inline bool KnownQuick(uintptr_t key, uint32_t count) {
 // range(first, end), which does [first, end) and answers false when the call
 // is over before end (a null item, a hit, a cancel). RunSolo answers true when
 // the call is over (range answered false, or every position is done), and
-// false when the solo time has passed first and about as much work is left,
-// with `next` the first position not yet done: helpers are then to be started.
+// false when the solo time has passed first and about as much work is left
+// (or a quarter of it with eight times as much left), with `next` the first
+// position not yet done: helpers are then to be started.
 //
 // With the item cost of `key` unknown, the clock is read before the first item
 // and after it; with it known, the first read comes after the items that take
@@ -241,8 +242,11 @@ bool RunSolo(uintptr_t key, uint32_t count, uint32_t& next, Range range) {
     if (last) return true;
     // Helpers join once the call has run for the solo time and, at the rate
     // seen, as much work is left: with less left, a helper's start would take
-    // about as long as the share of work it could take over.
-    if (elapsed >= solo && uint64_t{count - i} * rate >= solo) {
+    // about as long as the share of work it could take over. With eight times
+    // that left, a quarter of the solo time is enough: the start is then paid
+    // for by the work still to come.
+    const uint64_t left = uint64_t{count - i} * rate;
+    if (elapsed >= solo ? left >= solo : elapsed >= solo / 4 && left >= solo * 8) {
       next = i;
       return false;
     }
