@@ -24,6 +24,8 @@ struct CpuFeatures {
   bool avx512bw = false;
   bool vaes = false;
   bool vpclmulqdq = false;
+  // The time-stamp counter ticks at one constant rate in every power state.
+  bool invariantTsc = false;
 };
 
 // GetCpuFeatures returns the features of the processor this process runs on.

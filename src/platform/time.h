@@ -36,6 +36,16 @@ bool StandardTimeZoneBias(int32_t& minutes);
 uint64_t PerformanceCounter();
 uint64_t PerformanceFrequency();
 
+// FastCounter reads PerformanceCounter's timeline (nanoseconds) for a few
+// nanoseconds and no system call where the processor has an invariant
+// time-stamp counter: that counter scaled by its rate, measured against
+// PerformanceCounter over the first 10 ms or so of use. Until then, without
+// such a counter, or when TAVI_FORCE_PORTABLE is set, it is PerformanceCounter
+// itself. The counters of different cores are taken to be in step, as the
+// kernel takes them for its own clock; callers that compare reads from
+// different cores treat a difference below zero as zero.
+uint64_t FastCounter();
+
 // TickCountMs is a monotonic millisecond clock.
 uint64_t TickCountMs();
 

@@ -13,30 +13,35 @@
 
 namespace tavi {
 
+namespace internal {
+
+std::atomic<uint32_t> workerCount{0};
+
 namespace {
-
-std::atomic<uint32_t>& WorkerCountSlot() {
-  static std::atomic<uint32_t> count{
-      std::clamp<uint32_t>(std::thread::hardware_concurrency(), 1, kMaxWorkerCount)};
-  return count;
+uint32_t ProcessorWorkers() {
+  return std::clamp<uint32_t>(std::thread::hardware_concurrency(), 1, kMaxWorkerCount);
 }
-
 }  // namespace
 
+uint32_t FirstWorkerCount() {
+  uint32_t expected = 0;
+  workerCount.compare_exchange_strong(expected, ProcessorWorkers(), std::memory_order_relaxed);
+  return workerCount.load(std::memory_order_relaxed);
+}
+
+}  // namespace internal
+
 uint32_t XGetWorkerCount() {
-  return WorkerCountSlot().load(std::memory_order_relaxed);
+  return internal::ThreadsFor(UINT32_MAX);
 }
 
 uint32_t XSetWorkerCount(uint32_t count) {
-  return WorkerCountSlot().exchange(std::clamp<uint32_t>(count, 1, kMaxWorkerCount),
-                                    std::memory_order_relaxed);
+  const uint32_t old = internal::workerCount.exchange(
+      std::clamp<uint32_t>(count, 1, kMaxWorkerCount), std::memory_order_relaxed);
+  return old != 0 ? old : internal::ProcessorWorkers();
 }
 
 namespace internal {
-
-uint32_t ThreadsFor(uint32_t count) {
-  return std::min(XGetWorkerCount(), count);
-}
 
 namespace {
 

@@ -67,11 +67,14 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
   strProgress progress;
   title.Start(progress, count, options);
   uint32_t start;
-  const bool over = internal::RunSolo(count, start, [&](uint32_t i) {
-    void* item = items[i];
-    if (item == nullptr) return false;
-    fn(item);
-    return ProgressSet(progress, uint64_t{i} + 1) == kProgressRunning;
+  const bool over = internal::RunSolo(fn.Key(), count, start, [&](uint32_t first, uint32_t end) {
+    for (uint32_t i = first; i < end; ++i) {
+      void* item = items[i];
+      if (item == nullptr) return false;
+      fn(item);
+      if (ProgressSet(progress, uint64_t{i} + 1) != kProgressRunning) return false;
+    }
+    return true;
   });
   if (over) return ProgressEnd(progress);
   internal::WorkQueue queue(start, count, threads);
@@ -101,7 +104,7 @@ bool MakeWithProgressThreaded(const Title& title, Fn fn, void* const* items, uin
       }
     }
   };
-  internal::RunWorkers(threads, worker);
+  internal::RunTeam(fn.Key(), threads, queue, worker);
   return ProgressEnd(progress);
 }
 

@@ -5,10 +5,13 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <random>
 #include <thread>
 #include <vector>
 
+#include "platform/time.h"
 #include "thread/internal/work_queue.h"
 
 namespace tavi {
@@ -195,6 +198,197 @@ TEST(Parallel, NullItemEndsAWorkerInThreadedForms) {
         EXPECT_EQ(cells[1].calls, workers > 1 && nullAt == 0 ? 0u : 1u);
       }
     }
+  }
+}
+
+// --- When the calling thread reads the clock and starts helpers -------------
+//
+// The solo start runs on a clock the items drive: each item moves it on by the
+// time it stands for, and every read is counted.
+
+std::atomic<uint64_t> fakeNow{0};
+std::atomic<uint32_t> clockReads{0};
+
+struct ScopedFakeClock {
+  ScopedFakeClock() {
+    fakeNow = 1000000;
+    clockReads = 0;
+    internal::ForgetItemCosts();
+    internal::soloClock.store([] {
+      ++clockReads;
+      return fakeNow.load();
+    });
+  }
+  ~ScopedFakeClock() {
+    internal::soloClock.store(nullptr);
+    internal::ForgetItemCosts();
+  }
+};
+
+uint32_t ReadsFor(const std::function<void()>& call) {
+  clockReads = 0;
+  call();
+  return clockReads;
+}
+
+// An unknown function is timed over its first item; once its items are known
+// to be quick, a call that fits in the unchecked stretch reads no clock, and a
+// longer one reads twice (where the stretch ends and at the end, which keeps
+// the remembered cost up to date). Every item is still done once.
+TEST(ParallelSolo, QuickItemsReadTheClockRarely) {
+  ScopedWorkers workers(2);
+  ScopedSolo solo(kNormalSolo);
+  ScopedFakeClock clock;
+  std::vector<Cell> cells(1000);
+  auto ptrs = PointersTo(cells);
+  constexpr XItemFunc1 twoNs = [](void* item) {
+    fakeNow += 2;
+    Touch(item);
+  };
+  const uintptr_t key = reinterpret_cast<uintptr_t>(twoNs);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(twoNs, ptrs.data(), 16); }), 2u);
+  EXPECT_EQ(internal::RememberedCost(key).ns, 2u);
+  EXPECT_EQ(internal::RememberedCost(key).unchecked, internal::kMaxUnchecked);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(twoNs, ptrs.data(), 4); }), 0u);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(twoNs, ptrs.data(), 64); }), 0u);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(twoNs, ptrs.data(), 65); }), 2u);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(twoNs, ptrs.data(), 1000); }), 2u);
+  EXPECT_EQ(ReadsFor([&] { XMakeArrayMT(twoNs, cells.data(), 30, sizeof(Cell)); }), 0u);
+  for (uint32_t i = 0; i < 1000; ++i) {
+    ASSERT_EQ(cells[i].calls, 1u + (i < 65) + (i < 64) + (i < 30) + (i < 16) + (i < 4)) << i;
+  }
+
+  // Searches and the titled form use the same start (the first call, timed
+  // from its first item, reads after 1 and 17 items: blocks grow at most
+  // sixteenfold).
+  constexpr XItemPred1 twoNsOdd = [](void* item) {
+    fakeNow += 2;
+    return KeyIsOdd(item);
+  };
+  cells[40].key = 1;
+  void* found = nullptr;
+  EXPECT_EQ(ReadsFor([&] { found = XCheckMT(twoNsOdd, ptrs.data(), 50); }), 3u);
+  EXPECT_EQ(found, &cells[40]);
+  EXPECT_EQ(ReadsFor([&] { found = XCheckMT(twoNsOdd, ptrs.data(), 50); }), 0u);
+  EXPECT_EQ(found, &cells[40]);
+  EXPECT_EQ(ReadsFor([&] { found = XEnumMT(twoNsOdd, ptrs.data(), 50); }), 0u);
+  EXPECT_EQ(found, &cells[0]);
+  strProgressOptions options;
+  bool ok = false;
+  EXPECT_EQ(ReadsFor([&] { ok = XMakeMT(u"t", 1, twoNs, ptrs.data(), 64, options); }), 0u);
+  EXPECT_TRUE(ok);
+}
+
+// A cost remembered too high (a slow first item) makes the next call read
+// after a few items; reading once more at its end measures the real rate, and
+// the call after that reads none.
+TEST(ParallelSolo, ACostRememberedTooHighIsMeasuredAgain) {
+  ScopedWorkers workers(2);
+  ScopedSolo solo(kNormalSolo);
+  ScopedFakeClock clock;
+  std::vector<Cell> cells(64);
+  auto ptrs = PointersTo(cells);
+  constexpr XItemFunc1 threeNs = [](void* item) {
+    fakeNow += 3;
+    Touch(item);
+  };
+  const uintptr_t key = reinterpret_cast<uintptr_t>(threeNs);
+  internal::RememberCost(key, 100);
+  EXPECT_EQ(internal::RememberedCost(key).unchecked, 5u);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(threeNs, ptrs.data(), 50); }), 2u);
+  EXPECT_EQ(internal::RememberedCost(key).ns, 3u);
+  EXPECT_EQ(ReadsFor([&] { XMakeMT(threeNs, ptrs.data(), 64); }), 0u);
+  for (uint32_t i = 0; i < 64; ++i) ASSERT_EQ(cells[i].calls, i < 50 ? 2u : 1u) << i;
+}
+
+// A call that has run for the solo time still finishes alone when, at the rate
+// seen, less than that is left: three items of 100 us all run on the calling
+// thread.
+TEST(ParallelSolo, LittleWorkLeftFinishesAlone) {
+  ScopedWorkers workers(2);
+  ScopedSolo solo(kNormalSolo);
+  ScopedFakeClock clock;
+  static std::vector<std::thread::id> ranOn;
+  ranOn.clear();
+  constexpr XItemFunc1 hundredUs = [](void*) {
+    fakeNow += 100000;
+    ranOn.push_back(std::this_thread::get_id());
+  };
+  int item;
+  const std::vector<void*> items(3, &item);
+  XMakeMT(hundredUs, items.data(), 3);
+  EXPECT_EQ(ranOn, std::vector<std::thread::id>(3, std::this_thread::get_id()));
+}
+
+// Items that take longer than the solo time: the first call runs its first
+// item alone and then gets a helper; the call's time per item is remembered,
+// so the next call starts the helper before its first item, and the two
+// threads meet while that item still runs. Items wait (at most two seconds,
+// which only a failure reaches) until two threads have been inside at once.
+struct Meeting {
+  std::atomic<uint32_t> inside{0};
+  std::atomic<bool> met{false};
+  std::atomic<bool> firstItemDone{false};
+  std::atomic<bool> metDuringFirstItem{false};
+  bool waitOnFirst = true;
+};
+Meeting meeting;
+
+TEST(ParallelSolo, LongItemsGetHelpersBeforeTheFirstItemOnceKnown) {
+  ScopedWorkers workers(2);
+  ScopedSolo solo(kNormalSolo);
+  ScopedFakeClock clock;
+  std::vector<Cell> cells(4);
+  auto ptrs = PointersTo(cells);
+  constexpr XItemFunc1 oneMs = [](void* item) {
+    const bool first = !meeting.firstItemDone && meeting.inside == 0;
+    fakeNow += 1000000;
+    if (first && !meeting.waitOnFirst) {
+      meeting.firstItemDone = true;
+    } else {
+      if (++meeting.inside >= 2 && !meeting.met.exchange(true)) {
+        meeting.metDuringFirstItem = !meeting.firstItemDone;
+      }
+      const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+      while (!meeting.met && std::chrono::steady_clock::now() < limit) std::this_thread::yield();
+      --meeting.inside;
+      meeting.firstItemDone = true;
+    }
+    Touch(item);
+  };
+  meeting.waitOnFirst = false;
+  XMakeMT(oneMs, ptrs.data(), 4);
+  EXPECT_TRUE(meeting.met);
+  EXPECT_FALSE(meeting.metDuringFirstItem);
+  EXPECT_GE(internal::RememberedCost(reinterpret_cast<uintptr_t>(oneMs)).ns, 1000000u);
+
+  meeting.inside = 0;
+  meeting.met = false;
+  meeting.firstItemDone = false;
+  meeting.waitOnFirst = true;
+  XMakeMT(oneMs, ptrs.data(), 4);
+  EXPECT_TRUE(meeting.met);
+  EXPECT_TRUE(meeting.metDuringFirstItem);
+  for (const Cell& c : cells) EXPECT_EQ(c.calls, 2u);
+}
+
+// The solo clock reads the performance counter's timeline: over a sleep it
+// advances by at least the sleep and by no more than the counter read around
+// it (a thousandth allowed for its measured rate).
+TEST(ParallelSolo, FastCounterFollowsThePerformanceCounter) {
+  for (int round = 0; round < 3; ++round) {  // reads 10 ms apart measure the rate
+    platform::FastCounter();
+    std::this_thread::sleep_for(std::chrono::milliseconds(11));
+  }
+  for (int round = 0; round < 3; ++round) {
+    const uint64_t p0 = platform::PerformanceCounter();
+    const uint64_t f0 = platform::FastCounter();
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    const uint64_t f1 = platform::FastCounter();
+    const uint64_t p1 = platform::PerformanceCounter();
+    ASSERT_GT(f1, f0);
+    EXPECT_GE(f1 - f0, 2997000u);
+    EXPECT_LE(f1 - f0, (p1 - p0) + (p1 - p0) / 1000);
   }
 }
 

@@ -68,15 +68,21 @@ TAVI_API void* XEnum(XItemPred3 pred, void* context1, void* context2, void* cons
 //
 // The MT forms run on up to N = min(XGetWorkerCount(), count) threads and
 // return when all have ended; with N <= 1 they are the single-threaded forms.
-// The calling thread starts on the items at once and alone; only when work is
-// left after a short time (about 150 us) does it start helper threads, so a
-// call that is quick anyway costs no more than the single-threaded form (a few
-// clock reads). fn and pred run concurrently and must be safe for that. Items
-// are handed out in increasing index order, in runs that shrink as the array
-// is used up (at most one lock per run, one small allocation per call that
-// starts helpers, never per item); the order in which calls finish is not
-// defined. Helper threads that have not begun by the time the calling thread
-// runs out of work are not waited for: they find nothing to do and end.
+// The calling thread starts on the items at once and alone, through the same
+// loop as the single-threaded form; it starts helper threads only once it has
+// worked for a short time (about 150 us) and about as much work is left. The
+// time one item of fn or pred takes is remembered from call to call (per
+// function, in a small process-wide table), so a call whose items are known to
+// be quick reads no clock at all and costs what the single-threaded form costs,
+// and a call whose items are each known to take that long starts its helpers
+// before its first item; otherwise the clock is read after the first item and
+// then at growing intervals. fn and pred run concurrently and must be safe for
+// that. Items are handed out in increasing index order, in runs that shrink as
+// the array is used up (at most one lock per run, one small allocation per call
+// that starts helpers, never per item; the solo start takes no lock and
+// allocates nothing); the order in which calls finish is not defined. Helper threads that have not
+// begun by the time the calling thread runs out of work are not waited for: they find nothing to do
+// and end.
 //
 // In the pointer forms run on two or more threads, a null item ends the worker
 // that takes it: null is the array's terminator for the threaded forms, so fn

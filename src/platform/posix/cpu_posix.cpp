@@ -55,6 +55,10 @@ CpuFeatures DetectFeatures() {
     f.vaes = f.avx && ((ecx >> 9) & 1);
     f.vpclmulqdq = f.avx && ((ecx >> 10) & 1);
   }
+  if (__get_cpuid_max(0x80000000, nullptr) >= 0x80000007) {
+    __cpuid(0x80000007, eax, ebx, ecx, edx);
+    f.invariantTsc = (edx >> 8) & 1;
+  }
   return f;
 }
 #else
