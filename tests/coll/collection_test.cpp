@@ -45,6 +45,10 @@ bool Above(const void* p, const void* limit) {
 class Probe : public XCollection {
  public:
   explicit Probe(uint32_t delta = kCollectionDelta) { Delta = delta; }
+  // Holds a pointer to each int of the store, in order.
+  explicit Probe(std::vector<int>& store) {
+    for (int& x : store) Insert(&x);
+  }
   ~Probe() override { DeleteAll(); }
   uint32_t SetItemsDim(uint32_t n) override {
     return fail_growth ? 0 : XCollection::SetItemsDim(n);
@@ -71,10 +75,6 @@ std::vector<int> Values(const XCollection& c) {
   std::vector<int> v;
   for (uint32_t i = 0; i < c.GetCount(); ++i) v.push_back(c._At(i) ? Val(c._At(i)) : -1);
   return v;
-}
-
-void Fill(XCollection& c, std::vector<int>& store) {
-  for (int& x : store) c.Insert(&x);
 }
 
 TEST(Collection, GrowthInDeltaSteps) {
@@ -119,8 +119,7 @@ TEST(Collection, FailedGrowthChangesNothing) {
 
 TEST(Collection, PositionalEdits) {
   std::vector<int> s = {0, 1, 2, 3, 4};
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   EXPECT_EQ(c.At(5), nullptr);
   EXPECT_FALSE(c.AtPut(5, &s[0]));
   EXPECT_TRUE(c.Swap(4, 4));
@@ -170,8 +169,7 @@ TEST(Collection, DeleteByPointerAndNulls) {
 
 TEST(Collection, FreeFamilies) {
   std::vector<int> s = {1, 2, 3, 4, 6};
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   c.AtInsert(1, nullptr);
   // Free(first, last) frees every slot of the range, nulls included, in order.
   EXPECT_EQ(c.Free(0, 2), 3u);
@@ -193,8 +191,7 @@ TEST(Collection, FreeFamilies) {
 
 TEST(Collection, PredicateWalkShrinksTheRange) {
   std::vector<int> s = {2, 4, 1, 6, 8, 3, 10};
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   EXPECT_EQ(c.DeleteWhich(0, 1, IsEven), 2u);  // every item of the range matches
   EXPECT_EQ(Values(c), (std::vector<int>{1, 6, 8, 3, 10}));
   // Adjacent matches are each tested once; the walk ends at the shrunken last.
@@ -214,8 +211,7 @@ TEST(Collection, PredicateWalkShrinksTheRange) {
 
 TEST(Collection, RefusedTransfersKeepItems) {
   std::vector<int> s = {2, 4, 6};
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   Probe target;
   target.refuse_after = 1;
   // The second item is refused: the first stays moved, the rest stays here.
@@ -256,10 +252,9 @@ TEST(Collection, OperationsCallThroughTheSlots) {
 
 TEST(Collection, Scans) {
   std::vector<int> s = {1, 4, 3, 6};
-  Probe c;
-  EXPECT_EQ(c.FirstThat(IsEven), nullptr);
-  EXPECT_TRUE(c.TryDo(IsEven));  // true for no items
-  Fill(c, s);
+  Probe none, c(s);
+  EXPECT_EQ(none.FirstThat(IsEven), nullptr);
+  EXPECT_TRUE(none.TryDo(IsEven));  // true for no items
   int limit = 3;
   EXPECT_EQ(c.FirstThat(Above, &limit), &s[1]);
   EXPECT_EQ(c.LastThatIndex(IsEven), 3u);
@@ -276,8 +271,7 @@ struct SearchCase {
 
 TEST(Collection, SearchExamples) {
   std::vector<int> s = {10, 20, 20, 30};
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   const SearchCase cases[] = {
       {20, 1, 3, true}, {25, 3, 3, false},       {35, kNoIndex, kNoIndex, false},
       {5, 0, 0, false}, {30, 3, kNoIndex, true}, {10, 0, 1, true}};
@@ -395,8 +389,7 @@ void AddItemTimes(void* p, void* k) {
 TEST(Collection, ForEachFormsVisitEveryItem) {
   std::vector<int> s(100);
   for (int i = 0; i < 100; ++i) s[i] = i + 1;
-  Probe c;
-  Fill(c, s);
+  Probe c(s);
   int k = 2;
   g_sum = 0;
   c.ForEach(AddItem);

@@ -151,7 +151,6 @@ TEST(MoneyText, Parse) {
     int64_t value;
     int stop;  // characters consumed
   } cases[] = {
-      {&dollars, u"$1,234.56", 2, 123456, 9},
       {&dollars, u"  USD 12", 2, 1200, 8},
       {&dollars, u"12.5 USD and more", 2, 1250, 8},
       {&dollars, u".5", 2, 50, 2},
@@ -159,7 +158,6 @@ TEST(MoneyText, Parse) {
       {&dollars, u"1,234,", 0, 1234, 5},
       {&dollars, u"1,,234", 0, 1, 1},
       {&dollars, u"\u22121.00", 2, -100, 5},
-      {&dollars, u"(1.00)", 2, -100, 6},
       {&dollars, u"1.2300", 2, 123, 6},
       {&dollars, u"9223372036854775807", 0, INT64_MAX, 19},
       {&dollars, u"-9223372036854775808", 0, INT64_MIN, 20},

