@@ -50,7 +50,7 @@ bool AppendLibraryString(XString16& text, uint32_t id) {
 
 bool HasOwnLibraryText(uint32_t code) {
   return code == 0x20000001u || (code >= 0x20000003u && code <= 0x20000005u) ||
-         (code >= 0x20000007u && code <= 0x20000014u) || code == 0x20000016u;
+         (code >= 0x20000007u && code <= 0x20000014u) || code == kErrNotFound;
 }
 
 }  // namespace

@@ -157,9 +157,17 @@ std::u16string ToUtf16(std::string_view text) {
   return out;
 }
 
-void Fail(const char* command, std::string_view subject, std::string_view message) {
+int Fail(const char* command, std::string_view subject, std::string_view message) {
   std::fprintf(stderr, "tavi %s: %.*s: %.*s\n", command, static_cast<int>(subject.size()),
                subject.data(), static_cast<int>(message.size()), message.data());
+  return 1;
+}
+
+int UsageError(const char* command, std::string_view problem, std::string_view detail) {
+  std::fprintf(stderr, "tavi %s: %.*s%.*s (try 'tavi %s --help')\n", command,
+               static_cast<int>(problem.size()), problem.data(), static_cast<int>(detail.size()),
+               detail.data(), command);
+  return 2;
 }
 
 bool GetPassword(const char* password_file, bool confirm, std::u16string& password,

@@ -22,8 +22,12 @@ namespace tavi::cli {
 std::string ErrorText(const XError& error);
 std::u16string ToUtf16(std::string_view text);
 
-// Prints "tavi <command>: <subject>: <message>" on standard error.
-void Fail(const char* command, std::string_view subject, std::string_view message);
+// Prints "tavi <command>: <subject>: <message>" on standard error and returns 1,
+// the exit status of a failure.
+int Fail(const char* command, std::string_view subject, std::string_view message);
+// Prints "tavi <command>: <problem><detail> (try 'tavi <command> --help')" on
+// standard error and returns 2, the exit status of a usage error.
+int UsageError(const char* command, std::string_view problem, std::string_view detail = {});
 
 // The password comes from the file (its first line), else TAVI_PASSWORD, else a
 // prompt without echo on the terminal (asked twice when `confirm`). False with the

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "cli_support.h"
 #include "command.h"
 #include "tavi/tavi.h"
 #include "unicode_text.h"
@@ -31,20 +32,6 @@ constexpr const char* kLangHelp =
     "get prints the text of the string ID (decimal, or hexadecimal after 0x) in\n"
     "UTF-8 followed by a newline. A file that loads with refused lines still gives\n"
     "the strings it holds, with a warning on standard error.\n";
-
-// The library's "item not found" error, the message of a missing string or option.
-constexpr uint32_t kErrNotFound = 0x20000016;
-
-int Usage(const char* message, std::string_view detail = {}) {
-  const std::string text = std::string(message) + std::string(detail);
-  std::fprintf(stderr, "tavi lang: %s (try 'tavi lang --help')\n", text.c_str());
-  return 2;
-}
-
-int Fail(const std::string& subject, const std::string& problem) {
-  std::fprintf(stderr, "tavi lang: %s: %s\n", subject.c_str(), problem.c_str());
-  return 1;
-}
 
 // A duplicate ID shows a message box while loading; the program reports the line
 // itself, so the box is dropped.
@@ -146,7 +133,7 @@ void ReportLine(void* context, const XLanguageFileLine& line) {
 }
 
 int Check(std::span<char* const> args) {
-  if (args.size() != 1) return Usage("check takes one file");
+  if (args.size() != 1) return UsageError("lang", "check takes one file");
   const std::string file = args[0];
   XString16 path = Utf16NameOf(file);
   QuietMessages quiet;
@@ -155,7 +142,7 @@ int Check(std::span<char* const> args) {
   CheckReport report;
   report.file = file;
   table.LoadTextFile(buffer, path, ReportLine, &report);
-  if (path.IsError()) return Fail(file, LibraryMessage(path));
+  if (path.IsError()) return Fail("lang", file, LibraryMessage(path));
   if (report.strings == 0) ++report.problems;
   std::printf("%s: %u lines, %u strings, %u problem%s%s\n", file.c_str(), report.lines,
               report.strings, report.problems, report.problems == 1 ? "" : "s",
@@ -164,20 +151,21 @@ int Check(std::span<char* const> args) {
 }
 
 int Get(std::span<char* const> args) {
-  if (args.size() != 2) return Usage("get takes a file and a string ID");
+  if (args.size() != 2) return UsageError("lang", "get takes a file and a string ID");
   const std::string file = args[0];
   int32_t id = 0;
-  if (!ParseId(args[1], id)) return Usage("not a string ID (1 to 2147483646): ", args[1]);
+  if (!ParseId(args[1], id))
+    return UsageError("lang", "not a string ID (1 to 2147483646): ", args[1]);
   XString16 path = Utf16NameOf(file);
   QuietMessages quiet;
   TTextFileStringResource table;
   const bool clean = table.LoadTextFile(path);
-  if (path.IsError()) return Fail(file, LibraryMessage(path));
+  if (path.IsError()) return Fail("lang", file, LibraryMessage(path));
   const TResourceStringItem* item = table._GetResourceString(id);
   if (item == nullptr) {
     XError error;
     error.SetErrorCode(kErrNotFound);
-    return Fail(file, "ID " + std::to_string(id) + ": " + LibraryMessage(error));
+    return Fail("lang", file, "ID " + std::to_string(id) + ": " + LibraryMessage(error));
   }
   if (!clean)
     std::fprintf(stderr, "tavi lang: %s: warning: some lines were refused (see tavi lang check)\n",
@@ -190,7 +178,7 @@ int Get(std::span<char* const> args) {
 }  // namespace
 
 int RunLang(std::span<char* const> args) {
-  if (args.empty()) return Usage("missing subcommand: check or get");
+  if (args.empty()) return UsageError("lang", "missing subcommand: check or get");
   const std::string_view what = args[0];
   bool help = what == "--help" || what == "-h" || what == "help";
   for (char* const arg : args.subspan(1)) help = help || std::string_view(arg) == "--help";
@@ -200,7 +188,7 @@ int RunLang(std::span<char* const> args) {
   }
   if (what == "check") return Check(args.subspan(1));
   if (what == "get") return Get(args.subspan(1));
-  return Usage("unknown subcommand ", what);
+  return UsageError("lang", "unknown subcommand ", what);
 }
 
 }  // namespace tavi::cli

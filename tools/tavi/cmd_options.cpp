@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli_support.h"
 #include "command.h"
 #include "tavi/tavi.h"
 #include "unicode_text.h"
@@ -34,8 +35,6 @@ constexpr const char* kOptionsHelp =
     "when the value was printed, 1 when the file or key is missing or the value\n"
     "is malformed, 2 on a usage error.\n";
 
-constexpr uint32_t kErrNotFound = 0x20000016;
-
 enum class Type { kRaw, kText, kUnsigned, kU16, kBool, kDouble };
 
 struct TypeName {
@@ -47,17 +46,6 @@ constexpr TypeName kTypes[] = {
     {"raw", Type::kRaw}, {"text", Type::kText}, {"unsigned", Type::kUnsigned},
     {"u16", Type::kU16}, {"bool", Type::kBool}, {"double", Type::kDouble},
 };
-
-int Usage(const char* message, std::string_view detail = {}) {
-  const std::string text = std::string(message) + std::string(detail);
-  std::fprintf(stderr, "tavi options: %s (try 'tavi options --help')\n", text.c_str());
-  return 2;
-}
-
-int Fail(const std::string& subject, const std::string& problem) {
-  std::fprintf(stderr, "tavi options: %s: %s\n", subject.c_str(), problem.c_str());
-  return 1;
-}
 
 // The text of the last error box shown while a Capture is installed. Information
 // boxes (the missing-file notice) are dropped: the load's own error says the same.
@@ -166,7 +154,7 @@ int Get(std::span<char* const> args) {
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string_view arg = args[i];
     if (arg == "--as") {
-      if (i + 1 == args.size()) return Usage("missing value after --as");
+      if (i + 1 == args.size()) return UsageError("options", "missing value after --as");
       const std::string_view name = args[++i];
       bool known = false;
       for (const TypeName& t : kTypes) {
@@ -175,9 +163,9 @@ int Get(std::span<char* const> args) {
           known = true;
         }
       }
-      if (!known) return Usage("unknown value type ", name);
+      if (!known) return UsageError("options", "unknown value type ", name);
     } else if (arg.starts_with("--")) {
-      return Usage("unknown option ", arg);
+      return UsageError("options", "unknown option ", arg);
     } else if (positional == 0) {
       file = arg;
       ++positional;
@@ -185,28 +173,28 @@ int Get(std::span<char* const> args) {
       key_text = arg;
       ++positional;
     } else {
-      return Usage("get takes a file and a key");
+      return UsageError("options", "get takes a file and a key");
     }
   }
-  if (positional != 2) return Usage("get takes a file and a key");
-  if (key_text.empty()) return Usage("the key is empty");
+  if (positional != 2) return UsageError("options", "get takes a file and a key");
+  if (key_text.empty()) return UsageError("options", "the key is empty");
 
   XString16 name = Utf16NameOf(file);
   const XString16 key = Utf16NameOf(key_text);
   Capture capture;
   XOptionFile options;
-  if (options.LoadFile(name, nullptr) == 0) return Fail(file, LibraryMessage(name));
+  if (options.LoadFile(name, nullptr) == 0) return Fail("options", file, LibraryMessage(name));
   if (Read(options, key, type)) return 0;
-  if (!g_error_box.empty()) return Fail(file, OneLine(g_error_box));
+  if (!g_error_box.empty()) return Fail("options", file, OneLine(g_error_box));
   XError error;
   error.SetErrorCode(kErrNotFound);
-  return Fail(file, key_text + ": " + LibraryMessage(error));
+  return Fail("options", file, key_text + ": " + LibraryMessage(error));
 }
 
 }  // namespace
 
 int RunOptions(std::span<char* const> args) {
-  if (args.empty()) return Usage("missing subcommand: get");
+  if (args.empty()) return UsageError("options", "missing subcommand: get");
   const std::string_view what = args[0];
   bool help = what == "--help" || what == "-h" || what == "help";
   for (char* const arg : args.subspan(1)) help = help || std::string_view(arg) == "--help";
@@ -215,7 +203,7 @@ int RunOptions(std::span<char* const> args) {
     return 0;
   }
   if (what == "get") return Get(args.subspan(1));
-  return Usage("unknown subcommand ", what);
+  return UsageError("options", "unknown subcommand ", what);
 }
 
 }  // namespace tavi::cli

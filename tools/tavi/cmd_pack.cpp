@@ -63,11 +63,6 @@ constexpr const char* kInfoHelp =
 // Blocks in flight per worker: one being packed and one waiting to be written.
 constexpr uint32_t kBlocksPerWorker = 2;
 
-int Usage(const char* command, const std::string& problem) {
-  std::fprintf(stderr, "tavi %s: %s (try 'tavi %s --help')\n", command, problem.c_str(), command);
-  return 2;
-}
-
 bool ParseBlockSize(const char* text, uint32_t& size) {
   char* end = nullptr;
   errno = 0;
@@ -166,7 +161,7 @@ int RunPack(std::span<char* const> args) {
       } else if (m == "huffman") {
         record.methods = kXPackTryHuffman;
       } else {
-        return Usage("pack", "unknown method '" + std::string(m) + "'");
+        return UsageError("pack", "unknown method '" + std::string(m) + "'");
       }
     } else if (arg == "--no-crc") {
       record.xpack_flags &= ~kXPackCRC;
@@ -180,22 +175,22 @@ int RunPack(std::span<char* const> args) {
       password_file = args[++i];
     } else if (arg == "--block-size" && has_value) {
       if (!ParseBlockSize(args[++i], record.block_size))
-        return Usage("pack", "block size must be 4K to 64M");
+        return UsageError("pack", "block size must be 4K to 64M");
     } else if (arg == "-o" && has_value) {
       output = args[++i];
     } else if (arg == "--force") {
       force = true;
     } else if (arg.size() > 1 && arg[0] == '-') {
-      return Usage("pack", "unknown or incomplete option '" + std::string(arg) + "'");
+      return UsageError("pack", "unknown or incomplete option '" + std::string(arg) + "'");
     } else if (input.empty()) {
       input = arg;
     } else {
-      return Usage("pack", "one INPUT only");
+      return UsageError("pack", "one INPUT only");
     }
   }
-  if (input.empty()) return Usage("pack", "no INPUT");
+  if (input.empty()) return UsageError("pack", "no INPUT");
   if (record.methods == 0 && record.xpack_flags == 0)
-    return Usage("pack", "--method store with --no-crc and --no-hash leaves nothing to do");
+    return UsageError("pack", "--method store with --no-crc and --no-hash leaves nothing to do");
   if (output.empty()) output = input == "-" ? "-" : input + ".tavi";
   const bool ciphered = (record.xpack_flags & (kXPackAES | kXPackXOR)) != 0;
 
@@ -313,21 +308,21 @@ int RunUnpack(std::span<char* const> args) {
     } else if (arg == "--password-file" && has_value) {
       password_file = args[++i];
     } else if (arg.size() > 1 && arg[0] == '-') {
-      return Usage("unpack", "unknown or incomplete option '" + std::string(arg) + "'");
+      return UsageError("unpack", "unknown or incomplete option '" + std::string(arg) + "'");
     } else if (input.empty()) {
       input = arg;
     } else {
-      return Usage("unpack", "one INPUT only");
+      return UsageError("unpack", "one INPUT only");
     }
   }
-  if (input.empty()) return Usage("unpack", "no INPUT");
+  if (input.empty()) return UsageError("unpack", "no INPUT");
   if (output.empty()) {
     if (input == "-") {
       output = "-";
     } else if (input.size() > 5 && input.ends_with(".tavi")) {
       output = input.substr(0, input.size() - 5);
     } else {
-      return Usage("unpack", "INPUT does not end in .tavi: give -o OUTPUT");
+      return UsageError("unpack", "INPUT does not end in .tavi: give -o OUTPUT");
     }
   }
 
@@ -584,7 +579,7 @@ int RunInfo(std::span<char* const> args) {
     std::fputs(kInfoHelp, stdout);
     return 0;
   }
-  if (args.size() != 1) return Usage("info", "give one FILE");
+  if (args.size() != 1) return UsageError("info", "give one FILE");
   const std::string name = args[0];
   std::string problem;
   InputFile in;

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli_support.h"
 #include "command.h"
 #include "tavi/tavi.h"
 #include "text/internal/text_convert.h"
@@ -184,28 +185,17 @@ bool Save(const std::string& path, uint16_t format, XBuffer& text, std::string& 
   return false;
 }
 
-int Usage(const char* message, std::string_view detail = {}) {
-  const std::string text = std::string(message) + std::string(detail);
-  std::fprintf(stderr, "tavi text: %s (try 'tavi text --help')\n", text.c_str());
-  return 2;
-}
-
-int Fail(const std::string& subject, const std::string& problem) {
-  std::fprintf(stderr, "tavi text: %s: %s\n", subject.c_str(), problem.c_str());
-  return 1;
-}
-
 int Detect(std::span<char* const> args) {
-  if (args.size() != 1) return Usage("detect takes one file");
+  if (args.size() != 1) return UsageError("text", "detect takes one file");
   const std::string path = args[0];
   XBuffer raw, text;
   std::string problem;
-  if (path == "-" && !ReadAll(stdin, raw, problem)) return Fail(path, problem);
+  if (path == "-" && !ReadAll(stdin, raw, problem)) return Fail("text", path, problem);
   // With no source format given, a file without a mark is read in the default 8-bit
   // code page, so an 8-bit result means that no mark was found. Loading into UTF-16
   // also checks that the text is well formed.
   uint16_t found = Load(path, raw, 0, kTextUtf16, text, problem);
-  if (found == 0) return Fail(path, problem);
+  if (found == 0) return Fail("text", path, problem);
   // Big-endian text loaded into UTF-16 reports its little-endian twin; it keeps its
   // own format only when the buffer asks for that format, which other text refuses.
   if (found == kTextUtf16 || found == kTextUtf32) {
@@ -226,46 +216,47 @@ int Convert(std::span<char* const> args) {
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string_view arg = args[i];
     if (arg == "--to" || arg == "--from" || arg == "-o") {
-      if (i + 1 == args.size()) return Usage("missing value after ", arg);
+      if (i + 1 == args.size()) return UsageError("text", "missing value after ", arg);
       const std::string_view value = args[++i];
       if (arg == "-o") {
         output = value;
         continue;
       }
       const uint16_t format = ParseFormat(value);
-      if (format == 0 || !Convertible(format)) return Usage("unknown text format ", value);
+      if (format == 0 || !Convertible(format))
+        return UsageError("text", "unknown text format ", value);
       if (arg == "--to") {
         if (format == kTextUtf16BE || format == kTextUtf32BE)
-          return Usage("this format can be read but not written: ", value);
+          return UsageError("text", "this format can be read but not written: ", value);
         target = format;
         have_target = true;
       } else {
         source = format;
       }
     } else if (arg != "-" && arg.starts_with("-")) {
-      return Usage("unknown option ", arg);
+      return UsageError("text", "unknown option ", arg);
     } else if (have_input) {
-      return Usage("convert takes one input file");
+      return UsageError("text", "convert takes one input file");
     } else {
       input = arg;
       have_input = true;
     }
   }
-  if (!have_input) return Usage("convert needs an input file");
-  if (!have_target) return Usage("convert needs --to FORMAT");
+  if (!have_input) return UsageError("text", "convert needs an input file");
+  if (!have_target) return UsageError("text", "convert needs --to FORMAT");
 
   XBuffer raw, text;
   std::string problem;
-  if (input == "-" && !ReadAll(stdin, raw, problem)) return Fail(input, problem);
-  if (Load(input, raw, source, kTextUtf16, text, problem) == 0) return Fail(input, problem);
-  if (!Save(output, target, text, problem)) return Fail(output, problem);
+  if (input == "-" && !ReadAll(stdin, raw, problem)) return Fail("text", input, problem);
+  if (Load(input, raw, source, kTextUtf16, text, problem) == 0) return Fail("text", input, problem);
+  if (!Save(output, target, text, problem)) return Fail("text", output, problem);
   return 0;
 }
 
 }  // namespace
 
 int RunText(std::span<char* const> args) {
-  if (args.empty()) return Usage("missing subcommand: detect or convert");
+  if (args.empty()) return UsageError("text", "missing subcommand: detect or convert");
   const std::string_view what = args[0];
   if (what == "--help" || what == "-h" || what == "help") {
     std::fputs(kTextHelp, stdout);
@@ -279,7 +270,7 @@ int RunText(std::span<char* const> args) {
   }
   if (what == "detect") return Detect(args.subspan(1));
   if (what == "convert") return Convert(args.subspan(1));
-  return Usage("unknown subcommand ", what);
+  return UsageError("text", "unknown subcommand ", what);
 }
 
 }  // namespace tavi::cli

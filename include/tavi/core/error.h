@@ -41,6 +41,7 @@ inline constexpr uint32_t kErrDoesNotFit = 0x20000012u;       // a text does not
 inline constexpr uint32_t kErrCounterLimit = 0x20000013u;     // a byte counter reached its limit
 inline constexpr uint32_t kErrOutOfRange = 0x20000014u;       // position or length out of range
 inline constexpr uint32_t kErrInternal = 0x20000015u;         // detail in XError::InternalErrorCode
+inline constexpr uint32_t kErrNotFound = 0x20000016u;         // the item asked for was not found
 inline constexpr uint32_t kErrUser = 0x20000018u;             // user error (message of source 3)
 inline constexpr uint32_t kErrNoLocale = 0x20000019u;         // locale not available
 inline constexpr uint32_t kErrUnknown = 0x2000001Au;          // unknown error
