@@ -96,13 +96,15 @@ class PositionLists {
   }
 
  private:
+  // Positions are read only below count, so only the counts start cleared: a small
+  // block does not pay for clearing half a megabyte.
   struct List {
     uint64_t pos[kEntries];
-    uint32_t first;
-    uint32_t count;
+    uint32_t first = 0;
+    uint32_t count = 0;
   };
   uint64_t window_;
-  List lists_[256] = {};
+  List lists_[256];
 };
 
 // The best reference at p among candidates offered in ascending order: the longest,
