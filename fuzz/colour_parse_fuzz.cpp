@@ -17,18 +17,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   tavi::fuzz::InputReader input(data, size);
   const auto separator = input.Take<char16_t>();
 
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
+  const tavi::fuzz::UnitText block(input);
+  const size_t count = block.size();
 
   uint32_t colour = 0xFF000000u;
-  const char16_t* stop = tavi::_StringToColour(colour, block.get(), separator);
+  const char16_t* stop = tavi::_StringToColour(colour, block.data(), separator);
   if (stop == nullptr) {
     FUZZ_ASSERT(colour == 0xFF000000u);
     return 0;
   }
-  FUZZ_ASSERT(stop > block.get() && stop <= block.get() + count);
+  FUZZ_ASSERT(stop > block.data() && stop <= block.data() + count);
   FUZZ_ASSERT(colour <= 0xFFFFFFu);
 
   // Both text forms read back to the same colour, up to their ends.

@@ -41,11 +41,9 @@ void CheckStop(const char16_t* stop, const char16_t* text, const char16_t* end) 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::InputReader input(data, size);
   const strEnvDateTimeOptions& o = Options(input.Take<uint8_t>());
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
-  const char16_t* text = block.get();
+  const fuzz::UnitText block(input);
+  const size_t count = block.size();
+  const char16_t* text = block.data();
   const char16_t* end = text + count;
   char16_t out[kMaxDateTimeText + 1];
 

@@ -20,11 +20,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   fuzz::InputReader input(data, size);
   const uint32_t value = input.Take<uint32_t>();
   const uint8_t slot = input.Take<uint8_t>() % kDateFormCount;
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
-  const char16_t* text = block.get();
+  const fuzz::UnitText block(input);
+  const size_t count = block.size();
+  const char16_t* text = block.data();
 
   strEnvDateTimeOptions o;
   strDatePattern p;

@@ -23,15 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const bool wide = (mode & 1) != 0;
   const char16_t point = (mode & 2) != 0 ? u',' : u'.';
   const char16_t alt = (mode & 4) != 0 ? (point == u'.' ? u',' : u'.') : 0;
-  const size_t count = wide ? input.size() / 2 : input.size();
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (wide) {
-    std::memcpy(block.get(), input.data(), count * 2);
-  } else {
-    for (size_t i = 0; i < count; ++i) block[i] = input.data()[i];
-  }
-  block[count] = 0;
-  const char16_t* text = block.get();
+  const tavi::fuzz::UnitText block(input, wide);
+  const size_t count = block.size();
+  const char16_t* text = block.data();
 
   double value = 0;
   const char16_t* stop = tavi::_StringToDouble(value, text, point, alt);

@@ -1,7 +1,7 @@
 //===- fuzz_helpers.h - Shared helpers for the fuzz targets ----*- C++ -*-===//
 //
-// An always-on assertion and a small reader that draws parameters from the
-// fuzzer's input before the rest is used as data.
+// An always-on assertion, a small reader that draws parameters from the fuzzer's
+// input before the rest is used as data, and that rest as terminated UTF-16 text.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 // FUZZ_ASSERT holds in every build type: a failed check aborts so the fuzzer sees it.
 #define FUZZ_ASSERT(cond)                                                                 \
@@ -44,6 +45,30 @@ class InputReader {
  private:
   const uint8_t* data_;
   size_t size_;
+};
+
+// UnitText copies what is left of the input into its own terminated UTF-16 text,
+// exactly as long as the data (so ASan sees a read past it): two bytes per unit,
+// little-endian, or one unit per byte when not wide.
+class UnitText {
+ public:
+  explicit UnitText(const InputReader& input, bool wide = true)
+      : size_(wide ? input.size() / 2 : input.size()),
+        units_(std::make_unique<char16_t[]>(size_ + 1)) {
+    if (wide) {
+      if (size_ != 0) std::memcpy(units_.get(), input.data(), size_ * 2);
+    } else {
+      for (size_t i = 0; i < size_; ++i) units_[i] = input.data()[i];
+    }
+    units_[size_] = 0;
+  }
+
+  const char16_t* data() const { return units_.get(); }
+  size_t size() const { return size_; }
+
+ private:
+  size_t size_;
+  std::unique_ptr<char16_t[]> units_;
 };
 
 }  // namespace tavi::fuzz

@@ -33,11 +33,9 @@ void CheckStop(const char16_t* stop, const char16_t* text, const char16_t* end) 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   tavi::fuzz::InputReader input(data, size);
   const auto radix = input.Take<uint8_t>();
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
-  const char16_t* text = block.get();
+  const tavi::fuzz::UnitText block(input);
+  const size_t count = block.size();
+  const char16_t* text = block.data();
   const char16_t* end = text + count;
   CheckDecimal<uint64_t>(text, end);
   CheckDecimal<uint32_t>(text, end);

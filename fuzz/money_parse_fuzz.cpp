@@ -31,13 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto decimals = input.Take<int8_t>();
   const auto show = static_cast<tavi::eMoneyShow>(input.Take<uint8_t>() % 3);
 
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
+  const tavi::fuzz::UnitText block(input);
+  const size_t count = block.size();
   int64_t value = 0;
-  const char16_t* stop = tavi::_StringToMoney(value, decimals, block.get(), o);
-  FUZZ_ASSERT(stop == nullptr || (stop > block.get() && stop <= block.get() + count));
+  const char16_t* stop = tavi::_StringToMoney(value, decimals, block.data(), o);
+  FUZZ_ASSERT(stop == nullptr || (stop > block.data() && stop <= block.data() + count));
 
   // The formatter writes backwards from the end of an exactly bounded buffer, so
   // ASan sees any write before it.

@@ -24,14 +24,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto a = input.Take<uint64_t>();
   const auto b = input.Take<uint64_t>();
 
-  const size_t count = input.size() / 2;
-  auto block = std::make_unique<char16_t[]>(count + 1);
-  if (count != 0) std::memcpy(block.get(), input.data(), count * 2);
-  block[count] = 0;
+  const tavi::fuzz::UnitText block(input);
+  const size_t count = block.size();
   int64_t value = 0;
   const char16_t* stop =
-      tavi::_StringToReal(value, decimals, block.get(), point, first_free, group);
-  FUZZ_ASSERT(stop == nullptr || (stop >= block.get() && stop <= block.get() + count));
+      tavi::_StringToReal(value, decimals, block.data(), point, first_free, group);
+  FUZZ_ASSERT(stop == nullptr || (stop >= block.data() && stop <= block.data() + count));
 
   tavi::XBuffer out;
   FUZZ_ASSERT(tavi::XWriteSize(out, a, b, point) == (b != 0));
