@@ -105,6 +105,16 @@ bool XConvertIO::Usable() {
   return true;
 }
 
+bool XConvertIO::Fail(const XError& fault, XIO& next) {
+  if (fault.IsError()) {
+    failed_ = true;
+    SetErrorCode(fault.GetErrorCode());
+  } else {
+    ImportErrorCode(next);
+  }
+  return false;
+}
+
 bool XConvertIO::_Write(const void* data, uint32_t bytes) {
   if (!Usable()) return false;
   XIO* next = Next();
@@ -119,14 +129,7 @@ bool XConvertIO::_Write(const void* data, uint32_t bytes) {
     text_internal::StreamSink sink(*next);
     ok = converter_->Put(in, bytes, sink, fault) && sink.Drain();
   }
-  if (ok) return true;
-  if (fault.IsError()) {
-    failed_ = true;
-    SetErrorCode(fault.GetErrorCode());
-  } else {
-    ImportErrorCode(*next);
-  }
-  return false;
+  return ok || Fail(fault, *next);
 }
 
 bool XConvertIO::_Flush() {
@@ -135,15 +138,7 @@ bool XConvertIO::_Flush() {
   if (next == nullptr) return false;
   XError fault;
   text_internal::StreamSink sink(*next);
-  if (!converter_->Finish(sink, fault) || !sink.Drain()) {
-    if (fault.IsError()) {
-      failed_ = true;
-      SetErrorCode(fault.GetErrorCode());
-    } else {
-      ImportErrorCode(*next);
-    }
-    return false;
-  }
+  if (!converter_->Finish(sink, fault) || !sink.Drain()) return Fail(fault, *next);
   return XRoutedIO::_Flush();
 }
 

@@ -60,6 +60,9 @@ class TAVI_API XConvertIO : public XRoutedIO {
 
  private:
   bool Usable();
+  // Fail records a failed conversion step: the converter's own fault, which makes the
+  // stream unusable, or else the next stream's error. Always false.
+  bool Fail(const XError& fault, XIO& next);
 
   std::unique_ptr<text_internal::Converter> converter_;
   uint32_t setup_error_ = 0;
