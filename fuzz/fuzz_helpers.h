@@ -1,7 +1,8 @@
 //===- fuzz_helpers.h - Shared helpers for the fuzz targets ----*- C++ -*-===//
 //
 // An always-on assertion, a small reader that draws parameters from the fuzzer's
-// input before the rest is used as data, and that rest as terminated UTF-16 text.
+// input before the rest is used as data, that rest as terminated UTF-16 text, and
+// message boxes that answer themselves.
 //
 //===----------------------------------------------------------------------===//
 #pragma once
@@ -12,6 +13,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+
+#include "tavi/core/user_interface.h"
 
 // FUZZ_ASSERT holds in every build type: a failed check aborts so the fuzzer sees it.
 #define FUZZ_ASSERT(cond)                                                                 \
@@ -46,6 +49,17 @@ class InputReader {
   const uint8_t* data_;
   size_t size_;
 };
+
+// SilenceMessageBoxes makes every message box the library shows answer OK at once,
+// so that parsers which report through boxes can run unattended.
+inline void SilenceMessageBoxes() {
+  static XUserInterface quiet = [] {
+    XUserInterface ui{};
+    ui.message_box = [](XWindow, const char16_t*, const char16_t*, uint32_t) { return kIdOk; };
+    return ui;
+  }();
+  XSetUserInterface(&quiet);
+}
 
 // UnitText copies what is left of the input into its own terminated UTF-16 text,
 // exactly as long as the data (so ASan sees a read past it): two bytes per unit,

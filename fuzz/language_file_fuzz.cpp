@@ -13,18 +13,10 @@
 
 #include "fuzz_helpers.h"
 #include "tavi/core/buffer.h"
-#include "tavi/core/user_interface.h"
 #include "tavi/resource/string_resource_coll.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static tavi::XUserInterface quiet = [] {
-    tavi::XUserInterface ui{};
-    ui.message_box = [](tavi::XWindow, const char16_t*, const char16_t*, uint32_t) {
-      return tavi::kIdOk;
-    };
-    return ui;
-  }();
-  tavi::XSetUserInterface(&quiet);
+  tavi::fuzz::SilenceMessageBoxes();
 
   tavi::fuzz::InputReader in(data, size);
   const bool widen = (in.Take<uint8_t>() & 1) != 0;

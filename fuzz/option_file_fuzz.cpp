@@ -15,7 +15,6 @@
 #include "fuzz_helpers.h"
 #include "tavi/core/string.h"
 #include "tavi/core/title_text.h"
-#include "tavi/core/user_interface.h"
 #include "tavi/file/option_file.h"
 
 namespace {
@@ -31,15 +30,8 @@ bool StartsWith(const tavi::TTitleText* line, const char16_t* key, uint32_t byte
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static tavi::XUserInterface quiet = [] {
-    tavi::XUserInterface ui{};
-    ui.message_box = [](tavi::XWindow, const char16_t*, const char16_t*, uint32_t) {
-      return tavi::kIdOk;
-    };
-    return ui;
-  }();
   static const std::string path = "/tmp/tavi_option_fuzz_" + std::to_string(::getpid()) + ".opt";
-  tavi::XSetUserInterface(&quiet);
+  tavi::fuzz::SilenceMessageBoxes();
 
   FILE* f = std::fopen(path.c_str(), "wb");
   if (f == nullptr) return 0;
