@@ -163,6 +163,16 @@ int Fail(const char* command, std::string_view subject, std::string_view message
   return 1;
 }
 
+bool AsksForHelp(std::span<char* const> args) {
+  if (args.empty()) return false;
+  const std::string_view what = args[0];
+  if (what == "--help" || what == "-h" || what == "help") return true;
+  for (char* const arg : args.subspan(1)) {
+    if (std::string_view(arg) == "--help") return true;
+  }
+  return false;
+}
+
 int UsageError(const char* command, std::string_view problem, std::string_view detail) {
   std::fprintf(stderr, "tavi %s: %.*s%.*s (try 'tavi %s --help')\n", command,
                static_cast<int>(problem.size()), problem.data(), static_cast<int>(detail.size()),

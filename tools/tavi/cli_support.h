@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,9 @@ std::u16string ToUtf16(std::string_view text);
 // Prints "tavi <command>: <subject>: <message>" on standard error and returns 1,
 // the exit status of a failure.
 int Fail(const char* command, std::string_view subject, std::string_view message);
+// Whether a command with subcommands is asked for its help: "--help", "-h" or
+// "help" in place of the subcommand, or "--help" anywhere after it.
+bool AsksForHelp(std::span<char* const> args);
 // Prints "tavi <command>: <problem><detail> (try 'tavi <command> --help')" on
 // standard error and returns 2, the exit status of a usage error.
 int UsageError(const char* command, std::string_view problem, std::string_view detail = {});

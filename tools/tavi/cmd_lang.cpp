@@ -180,9 +180,7 @@ int Get(std::span<char* const> args) {
 int RunLang(std::span<char* const> args) {
   if (args.empty()) return UsageError("lang", "missing subcommand: check or get");
   const std::string_view what = args[0];
-  bool help = what == "--help" || what == "-h" || what == "help";
-  for (char* const arg : args.subspan(1)) help = help || std::string_view(arg) == "--help";
-  if (help) {
+  if (AsksForHelp(args)) {
     std::fputs(kLangHelp, stdout);
     return 0;
   }

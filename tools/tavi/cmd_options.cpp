@@ -196,9 +196,7 @@ int Get(std::span<char* const> args) {
 int RunOptions(std::span<char* const> args) {
   if (args.empty()) return UsageError("options", "missing subcommand: get");
   const std::string_view what = args[0];
-  bool help = what == "--help" || what == "-h" || what == "help";
-  for (char* const arg : args.subspan(1)) help = help || std::string_view(arg) == "--help";
-  if (help) {
+  if (AsksForHelp(args)) {
     std::fputs(kOptionsHelp, stdout);
     return 0;
   }

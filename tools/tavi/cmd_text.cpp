@@ -258,15 +258,9 @@ int Convert(std::span<char* const> args) {
 int RunText(std::span<char* const> args) {
   if (args.empty()) return UsageError("text", "missing subcommand: detect or convert");
   const std::string_view what = args[0];
-  if (what == "--help" || what == "-h" || what == "help") {
+  if (AsksForHelp(args)) {
     std::fputs(kTextHelp, stdout);
     return 0;
-  }
-  for (char* const arg : args.subspan(1)) {
-    if (std::string_view(arg) == "--help") {
-      std::fputs(kTextHelp, stdout);
-      return 0;
-    }
   }
   if (what == "detect") return Detect(args.subspan(1));
   if (what == "convert") return Convert(args.subspan(1));
