@@ -15,6 +15,7 @@
 #include <string_view>
 
 #include "tavi/core/error.h"
+#include "tavi/core/user_interface.h"
 #include "tavi/thread/progress.h"
 
 namespace tavi::cli {
@@ -76,6 +77,25 @@ struct InputFile {
   uint32_t mtime_nsec = 0;
   bool Open(const std::string& name, std::string& problem);
   ~InputFile();
+};
+
+// MessageBoxScope answers the library's message boxes with `box` while it lives:
+// the library's default user-interface table with that one entry replaced. The
+// table in use before is put back at the end.
+class MessageBoxScope {
+ public:
+  explicit MessageBoxScope(decltype(XUserInterface::message_box) box)
+      : table_(*XDefaultUserInterface()) {
+    table_.message_box = box;
+    saved_ = XSetUserInterface(&table_);
+  }
+  MessageBoxScope(const MessageBoxScope&) = delete;
+  MessageBoxScope& operator=(const MessageBoxScope&) = delete;
+  ~MessageBoxScope() { XSetUserInterface(saved_); }
+
+ private:
+  XUserInterface table_;
+  const XUserInterface* saved_;
 };
 
 // Progress on standard error through the library's progress records, shown only

@@ -39,21 +39,6 @@ int32_t DropMessageBox(XWindow, const char16_t*, const char16_t*, uint32_t) {
   return kIdOk;
 }
 
-class QuietMessages {
- public:
-  QuietMessages() : table_(*XDefaultUserInterface()) {
-    table_.message_box = DropMessageBox;
-    saved_ = XSetUserInterface(&table_);
-  }
-  QuietMessages(const QuietMessages&) = delete;
-  QuietMessages& operator=(const QuietMessages&) = delete;
-  ~QuietMessages() { XSetUserInterface(saved_); }
-
- private:
-  XUserInterface table_;
-  const XUserInterface* saved_;
-};
-
 // Parses a string ID: decimal, or hexadecimal after "0x"; 1 .. 2147483646.
 bool ParseId(std::string_view text, int32_t& id) {
   unsigned base = 10;
@@ -136,7 +121,7 @@ int Check(std::span<char* const> args) {
   if (args.size() != 1) return UsageError("lang", "check takes one file");
   const std::string file = args[0];
   XString16 path = Utf16NameOf(file);
-  QuietMessages quiet;
+  MessageBoxScope quiet(DropMessageBox);
   TTextFileStringResource table;
   XBuffer buffer;
   CheckReport report;
@@ -157,7 +142,7 @@ int Get(std::span<char* const> args) {
   if (!ParseId(args[1], id))
     return UsageError("lang", "not a string ID (1 to 2147483646): ", args[1]);
   XString16 path = Utf16NameOf(file);
-  QuietMessages quiet;
+  MessageBoxScope quiet(DropMessageBox);
   TTextFileStringResource table;
   const bool clean = table.LoadTextFile(path);
   if (path.IsError()) return Fail("lang", file, LibraryMessage(path));

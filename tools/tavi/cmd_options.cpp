@@ -47,7 +47,7 @@ constexpr TypeName kTypes[] = {
     {"u16", Type::kU16}, {"bool", Type::kBool}, {"double", Type::kDouble},
 };
 
-// The text of the last error box shown while a Capture is installed. Information
+// The text of the last error box shown while CaptureBox answers the boxes. Information
 // boxes (the missing-file notice) are dropped: the load's own error says the same.
 std::u16string g_error_box;
 
@@ -55,22 +55,6 @@ int32_t CaptureBox(XWindow, const char16_t* text, const char16_t*, uint32_t styl
   if ((style & 0xF0) == kMbIconError) g_error_box = text != nullptr ? text : u"";
   return kIdOk;
 }
-
-class Capture {
- public:
-  Capture() : table_(*XDefaultUserInterface()) {
-    g_error_box.clear();
-    table_.message_box = CaptureBox;
-    saved_ = XSetUserInterface(&table_);
-  }
-  Capture(const Capture&) = delete;
-  Capture& operator=(const Capture&) = delete;
-  ~Capture() { XSetUserInterface(saved_); }
-
- private:
-  XUserInterface table_;
-  const XUserInterface* saved_;
-};
 
 // OneLine joins the option error's lines with spaces. The "File:" part is left
 // out: the file already leads the program's message.
@@ -181,7 +165,8 @@ int Get(std::span<char* const> args) {
 
   XString16 name = Utf16NameOf(file);
   const XString16 key = Utf16NameOf(key_text);
-  Capture capture;
+  g_error_box.clear();
+  MessageBoxScope capture(CaptureBox);
   XOptionFile options;
   if (options.LoadFile(name, nullptr) == 0) return Fail("options", file, LibraryMessage(name));
   if (Read(options, key, type)) return 0;
